@@ -1,0 +1,62 @@
+// The virtual router: a root, namespaces and interfaces of its own, for tests and for users.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace board {
+
+struct Options {
+  // Host programs (absolute paths) to place in the router's /usr/bin, with the shared libraries
+  // that this process and they have loaded.
+  std::vector<std::string> programs;
+  // Whether the firmware's daemon stand-ins run (they keep the state files under /tmp fresh).
+  bool services = false;
+};
+
+// Boots a router, runs `inside` in a process of it, ends everything and returns the exit status
+// of `inside` (128 + signal number when it died of one). When the machine does not allow it,
+// prints what is missing to standard error and returns kCannotBoot.
+int run(const Options& options, const std::function<int()>& inside);
+inline constexpr int kCannotBoot = 125;
+
+// The rest is for code that runs inside.
+
+// Everything as just booted: files, interfaces with their addresses, empty journal and logs. Ends
+// what requests have started.
+void reset();
+
+// Waits until every command that requests have started has ended.
+void settle();
+
+// The effects so far in order, one line each, after settle(): "uci set network.lan.ipaddr=...",
+// "wifi 2.4G set SSID1=...", "modem AT+CPIN?", "run COMMAND", "start COMMAND". A line feed within
+// stands as \n.
+std::vector<std::string> journal();
+void clear_journal();
+
+// What was logged through syslog so far, one element a message, as "<3>text" (priority in angle
+// brackets, without time, host and process); and what was written to /dev/console.
+std::vector<std::string> log();
+std::string console();
+
+// Gives `interface` an address, creating the interface where it is missing; an empty address
+// takes its addresses away.
+void set_address(const std::string& interface, const std::string& address,
+                 const std::string& netmask = "255.255.255.0");
+// A point-to-point interface such as a PPP session has.
+void add_point_to_point(const std::string& interface, const std::string& address,
+                        const std::string& peer);
+// A default route through `interface`.
+void set_gateway(const std::string& interface, const std::string& gateway);
+
+std::string read_file(const std::string& path);  // empty when absent
+void write_file(const std::string& path, std::string_view content);
+void remove_file(const std::string& path);
+
+// Runs a program of the router without the journal noting it; returns its exit status.
+int quiet(const std::vector<std::string>& arguments);
+
+}  // namespace board
