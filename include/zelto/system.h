@@ -1,0 +1,235 @@
+/**
+ * @file system.h
+ * Login and router status. The conventions of zeltoapi.h hold; its @-lines are explained there.
+ */
+#pragma once
+
+#include <zelto/export.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Login ---------------------------------------------------------------------------------- */
+
+/**
+ * Checks the administrator's name and password and issues a token.
+ *
+ * The account is system.route.routeusr (read up to 31 characters) and system.route.routepwd (up to
+ * 127); an option that cannot be read counts as empty. Both must equal what is sent, exactly.
+ * An account with neither name nor password therefore admits everyone who sends neither. A name of
+ * more than 31 characters or a password of more than 127 never logs in.
+ *
+ * The token is the MD5 sum, 32 lower-case hexadecimal characters, of the uptime in seconds with two
+ * decimals: it can be guessed by who knows when the login was, and two logins within a hundredth of
+ * a second get the same one. It is added as a line to /tmp/token, where check_auth looks, and stays
+ * valid until the router restarts. When the commands that make it fail, it is empty.
+ *
+ * @command  loginauth
+ * @request  user string optional  the name; missing counts as empty
+ * @request  pass string optional  the password; missing counts as empty
+ * @reply    token string  the new token
+ * @reply    first_login number  system.route.webLoginFirst; 0 when it cannot be read
+ * @reply    defmode string  system.route.operationmode; "router" when it cannot be read
+ * @reply    wifiType string  only in mode "repeater" (internet.repeater.repeater_type) and "wisp"
+ *           (internet.wisp.wisp_type): the band of the uplink; empty when it cannot be read
+ * @reply    result number
+ * @result   0 logged in
+ * @result   1 wrong name or password, or wrong or missing "type"; no other member
+ * @unparsed 0, logs "json data is NULL!"
+ * @effects  run cat /proc/uptime | awk '{print $1}' | md5sum | awk '{print $1}' | tr -d '\n'
+ * @effects  run echo TOKEN >> /tmp/token
+ * @example  {"type":"loginauth","user":"admin","pass":"wrong"} => {"type":"loginauth","result":1}
+ */
+ZELTO_API int bs_loginauth(const char* request, char* out);
+
+/* ---- Status --------------------------------------------------------------------------------- */
+
+/** Bits of the word that GetBasicstatus returns. */
+#define ZELTO_STATUS_WAN 1U              /**< the WAN port has a link */
+#define ZELTO_STATUS_LAN4 2U             /**< LAN port 4 has */
+#define ZELTO_STATUS_LAN3 4U             /**< LAN port 3 has */
+#define ZELTO_STATUS_LAN2 8U             /**< LAN port 2 has */
+#define ZELTO_STATUS_LAN1 16U            /**< LAN port 1 has */
+#define ZELTO_STATUS_ALWAYS 32U          /**< always set */
+#define ZELTO_STATUS_ONLINE 64U          /**< the Internet can be reached */
+#define ZELTO_STATUS_UNKNOWN 0xFFFFFFFFU /**< the ports could not be asked */
+
+/**
+ * Formats the time since the router started.
+ *
+ * @param[out] buffer  days, hours, minutes and seconds as "%d:%d:%d:%d", not padded with zeros
+ * @param[in]  size    bytes of `buffer`
+ * @retval 0   written
+ * @retval -1  /proc/uptime cannot be opened (logged, "fopen error") or the text does not fit
+ */
+ZELTO_API int get_sysrun_time(char* buffer, int size);
+
+/**
+ * Reads the processor time that programs use, as top shows it: "12%" and a line feed, at most five
+ * characters in all.
+ *
+ * @param[out] buffer  receives the text
+ * @param[in]  size    bytes of `buffer`
+ * @retval 0   written
+ * @retval -1  top could not be started (logged, "fopen error") or the text does not fit
+ */
+ZELTO_API int GetCPUusage(char* buffer, int size);
+
+/**
+ * Reads the WAN throughput that a daemon keeps in /tmp/wan_speed_file, under an exclusive lock on
+ * the file: two words, units as the daemon chose, and a line feed.
+ *
+ * @param[in,out] buffer  receives the first line, at most size - 2 characters; stays as it is when
+ *                        the file cannot be opened (logged, "open /tmp/wan_speed_file fail") or
+ *                        locked (logged, "flock for /tmp/wan_speed_file failed!") or is empty
+ * @param[in]     size    bytes of `buffer`
+ */
+ZELTO_API void get_wan_speed(char* buffer, int size);
+
+/**
+ * Tells whether the Internet can be reached, by what a daemon keeps in /tmp/online_file: its first
+ * line (up to 126 characters), read under an exclusive lock, contains "online".
+ *
+ * @retval 1  online
+ * @retval 0  not, or the file cannot be opened (logged, "open /tmp/online_file fail") or locked
+ *            (logged, "flock for online_file failed!")
+ */
+ZELTO_API int get_online_status(void);
+
+/**
+ * Reads the state of ports and uplink: get_online_status, then the link register of the Ethernet
+ * switch through the firmware's tool ("switch reg r 83").
+ *
+ * @return ZELTO_STATUS_... bits; an answer of the tool that holds no register value counts as no
+ *         port linked. ZELTO_STATUS_UNKNOWN when the tool could not be started
+ */
+ZELTO_API unsigned int GetBasicstatus(void);
+
+/** Keeps its place in the interface. @return 0 */
+ZELTO_API int getPortConnectStat(void);
+
+/**
+ * Reads the clock and the uptime through the system's tools.
+ *
+ * @param[out] date    32 bytes: "YYYY-MM-DD hh:mm:ss" and a line feed, local time; the text
+ *                     "1970-01-01 08:00:00" when date cannot be started (traced on the console) or
+ *                     answers less than 11 characters
+ * @param[out] uptime  32 bytes: whole seconds since start; "0" when they cannot be read
+ * @return 0
+ */
+ZELTO_API int get_system_current_time(char* date, char* uptime);
+
+/**
+ * Puts hardware NAT into the state that the user chose: copies system.route.mtkhnat (up to 31
+ * characters; empty when it cannot be read) to mtkhnat.global.enable and switches the driver's hook
+ * on when it is "1", else off.
+ *
+ * Effects: uci set mtkhnat.global.enable, run echo 1 > /sys/kernel/debug/hnat/hook_toggle (or 0).
+ *
+ * @return the status of the shell command
+ */
+ZELTO_API int init_network_run(void);
+
+/**
+ * The status page.
+ *
+ * When system.route.operationmode cannot be read, "operationmode" stands in the reply twice:
+ * "router" first, then an empty text. In mode "router" the same holds for "connetype" when
+ * system.route.conntype cannot be read ("dhcp", then empty; logged, "get wanConnectionMode
+ * failed!"). Pages take the last one. While /tmp/wan_speed_file is missing, "downspeed" is the text
+ * of "cpu" without its last character and "upspeed" is empty.
+ *
+ * @command  getrouterinfo
+ * @reply    uptime string  as get_sysrun_time
+ * @reply    cpu string  share of processor time that programs use, such as "12%"
+ * @reply    downspeed string  first word of /tmp/wan_speed_file, at most 31 characters
+ * @reply    upspeed string  second word, likewise
+ * @reply    basicstat string  the word of GetBasicstatus, decimal
+ * @reply    netlink number  1 online, 0 not
+ * @reply    lan1 number  1 when LAN port 1 has a link, else 0
+ * @reply    lan2 number  the same for LAN port 2
+ * @reply    lan3 number  the same for LAN port 3
+ * @reply    lan4 number  the same for LAN port 4
+ * @reply    wan number  the same for the WAN port
+ * @reply    operationmode string  system.route.operationmode
+ * @reply    connetype string  only in mode "router": system.route.conntype
+ * @reply    link number  1 when the status word says online, else 0
+ * @reply    ramtotal string  memory in kibibytes
+ * @reply    ramfree string  free memory in kibibytes
+ * @reply    producttype string  the board's model, "ZELTO" when it has none
+ * @reply    smart string  the board's entry "smart", "0" when it has none
+ * @reply    lanmac string  MAC address of br-lan
+ * @reply    lanip string  IPv4 address of br-lan, empty when it has none
+ * @reply    key string  system.route.CloudKey, empty when it cannot be read
+ * @reply    server_type string  "1"
+ * @reply    ver string  as GetFWVersion, empty when it cannot be read
+ * @reply    hardwareversion string  "1.0"
+ * @result   none on success
+ * @result   1 wrong or missing "type"
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  run top -n 1 | grep CPU | grep usr | awk '{print $2}'
+ * @effects  run switch reg r 83
+ * @effects  run nvram get zelto Model | tr -d '\n'
+ * @effects  run nvram get zelto smart | tr -d '\n'
+ * @example  {"type":"getrouterinfo"} => {"type":"getrouterinfo","uptime":*,"cpu":*,"downspeed":*,
+ *           "upspeed":*,"basicstat":*,"netlink":1,"lan1":*,"lan2":*,"lan3":*,"lan4":*,"wan":1,
+ *           "operationmode":"router","connetype":"dhcp","link":1,"ramtotal":*,"ramfree":*,
+ *           "producttype":*,"smart":*,"lanmac":*,"lanip":"192.168.10.1","key":*,
+ *           "server_type":"1","ver":*,"hardwareversion":"1.0"}
+ */
+ZELTO_API int bs_GetRouteInfo(const char* request, char* out);
+
+/**
+ * The language of the web pages, from luci.main.lang (up to 15 characters), which is also logged.
+ *
+ * @command  getlanguage
+ * @reply    language string  "en" for "auto" and "en", "zhcn" for "zh_cn", else "unknown"
+ * @result   none on success
+ * @result   1 wrong or missing "type", or the option cannot be read
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  none
+ * @example  {"type":"getlanguage"} => {"type":"getlanguage","language":"en"}
+ */
+ZELTO_API int bs_getLanguage_info(const char* request, char* out);
+
+/**
+ * What a companion app needs to pair with the router. Holds the administrator's password in clear.
+ *
+ * @command  gethostinfo
+ * @reply    hostname string  the board's model, "ZELTO" when it has none
+ * @reply    hostmac string  MAC address of br-lan
+ * @reply    hostkey string  system.route.CloudKey, empty when it cannot be read
+ * @reply    hostpwd string  system.route.routepwd, empty when it cannot be read
+ * @reply    hostmodel string  the firmware version, as GetFWVersion
+ * @reply    wlanssid string  system.route.ssid_2g, empty when it cannot be read
+ * @reply    hosttype string  "router"
+ * @result   none on success
+ * @result   1 wrong or missing "type"
+ * @unparsed -1, traced on the console: "json data is NULL!"
+ * @effects  run nvram get zelto Model | tr -d '\n'
+ * @example  {"type":"gethostinfo"} => {"type":"gethostinfo","hostname":*,"hostmac":*,"hostkey":*,
+ *           "hostpwd":"admin","hostmodel":*,"wlanssid":*,"hosttype":"router"}
+ */
+ZELTO_API int bs_GetHostInfo(const char* request, char* out);
+
+/**
+ * Clock and uptime. Has no row in the command table: call it directly.
+ *
+ * The reply's "type" is the request's own; without one the reply is {"result":1}.
+ *
+ * @command  getsystimeinfo
+ * @reply    systime string  as get_system_current_time gives the date, its line feed included
+ * @reply    uptime string  whole seconds
+ * @result   none on success
+ * @result   1 wrong or missing "type"
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  run date +"%Y-%m-%d %H:%M:%S"
+ * @effects  run cat /proc/uptime
+ * @example  {"type":"getsystimeinfo"} => {"type":"getsystimeinfo","systime":*,"uptime":*}
+ */
+ZELTO_API int bs_GetSysTimeInfo(const char* request, char* out);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,32 @@
+// The configuration store, one option at a time.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace zelto::config {
+
+struct Option {
+  const char* package;
+  const char* section;
+  const char* name;
+};
+
+// Longest value most readers take.
+inline constexpr std::size_t kLongestValue = 127;
+
+// The option's value, cut at `longest` bytes; nothing when the read failed. An absent option is a
+// failed read.
+std::optional<std::string> read(const Option& option, std::size_t longest = kLongestValue);
+
+// Stores a value; false when it failed. A value with a line break is never stored.
+bool write(const Option& option, const std::string& value);
+
+// The same with one log line for a failure: "set <what> to <value> failed!".
+bool write_or_log(const Option& option, const std::string& value, const char* what);
+
+void remove(const Option& option);
+void remove_section(const char* package, const char* section);
+
+}  // namespace zelto::config

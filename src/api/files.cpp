@@ -1,0 +1,35 @@
+#include "api/files.h"
+
+#include <sys/file.h>
+
+#include <cerrno>
+
+namespace zelto::files {
+
+File open(const char* path) {
+  return File(std::fopen(path, "re"));
+}
+
+std::optional<std::string> read_line(std::FILE* file, std::size_t longest) {
+  std::string line;
+  int c = 0;
+  while (line.size() < longest && c != '\n' && (c = getc_unlocked(file)) != EOF) {
+    line.push_back(static_cast<char>(c));
+  }
+  if (line.empty()) return std::nullopt;
+  return line;
+}
+
+Lock::Lock(std::FILE* file) : descriptor_(fileno(file)) {
+  int status = 0;
+  do {
+    status = flock(descriptor_, LOCK_EX);
+  } while (status != 0 && errno == EINTR);
+  if (status != 0) descriptor_ = -1;
+}
+
+Lock::~Lock() {
+  if (held()) flock(descriptor_, LOCK_UN);
+}
+
+}  // namespace zelto::files

@@ -1,0 +1,39 @@
+// Small text files that daemons and the firmware keep, read line by line.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace zelto::files {
+
+struct Closer {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, Closer>;
+
+// Opens for reading; null on failure.
+File open(const char* path);
+
+// The next line with its line feed, cut at `longest` bytes (the rest comes as the next line);
+// nothing at the end of the file.
+std::optional<std::string> read_line(std::FILE* file, std::size_t longest);
+
+// An exclusive lock on an open file, waited for, from construction to destruction. Declare it after
+// the file: the file must outlive it.
+class Lock {
+ public:
+  explicit Lock(std::FILE* file);
+  ~Lock();
+  Lock(const Lock&) = delete;
+  Lock& operator=(const Lock&) = delete;
+
+  bool held() const { return descriptor_ >= 0; }
+
+ private:
+  int descriptor_;
+};
+
+}  // namespace zelto::files

@@ -1,0 +1,240 @@
+// The stored settings of the WAN, and its live facts.
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+#include <zelto/fields.h>
+#include <zelto/network.h>
+#include <zelto/system.h>
+
+#include "api/config.h"
+#include "api/envelope.h"
+#include "api/interface.h"
+#include "api/log.h"
+#include "api/shell.h"
+#include "api/text.h"
+#include "network/uplink.h"
+
+namespace {
+
+namespace config = zelto::config;
+namespace console = zelto::console;
+namespace interface = zelto::interface;
+namespace text = zelto::text;
+namespace uplink = zelto::uplink;
+using zelto::answer;
+using zelto::Reply;
+using zelto::Request;
+
+constexpr config::Option kConnectionType = {"system", "route", "conntype"};
+constexpr config::Option kStaticResolvers = {"system", "route", "static_dns"};
+constexpr config::Option kWanProtocol = {"network", "wan", "proto"};
+constexpr config::Option kWanResolvers = {"network", "wan", "dns"};
+
+constexpr std::size_t kLongestStaticResolvers = 149;
+constexpr std::size_t kLongestConnectionType = 255;
+constexpr std::size_t kLongestSwitch = 7;
+constexpr std::size_t kLongestOwnResolvers = 63;
+constexpr std::size_t kLongestFinding = 127;
+
+// What PPPoE takes of every packet. Pages show the size of the payload, the store keeps the whole.
+constexpr int kPppoeOverhead = 8;
+
+constexpr const char* kRestart =
+    "/etc/init.d/network set_wan_quick;killall -USR2 udhcpc;killall -USR1 udhcpc;"
+    "lua /sbin/svctl.lua set_iptv_portmap &";
+
+// ---- getwancfg
+
+std::string field(const char* web_field) {
+  std::array<char, ZELTO_FIELD_VALUE_SIZE> value{};
+  zelto_get_config(web_field, value.data());
+  return value.data();
+}
+
+void add_fields(Reply& reply, std::initializer_list<const char*> names) {
+  for (const char* name : names) reply.text(name, field(name));
+}
+
+void add_static(Reply& reply) {
+  add_fields(reply, {"wanip", "wanmsk", "wangw"});
+  const auto stored = config::read(kStaticResolvers, kLongestStaticResolvers);
+  if (stored) {
+    const auto [first, second] = text::split_first(*stored, ' ');
+    reply.text("dns1", first);
+    reply.text("dns2", second);
+  } else {
+    reply.text("dns1", uplink::resolver(1).value_or(""));
+    reply.text("dns2", "");
+  }
+  add_fields(reply, {"mtu"});
+}
+
+void add_pppoe(Reply& reply) {
+  add_fields(reply, {"pppoename", "pppoepsw", "server_name"});
+  reply.text("mtu", text::format("%d", text::to_int(field("mtu")) - kPppoeOverhead));
+}
+
+void add_settings(const Request& /*request*/, Reply& reply) {
+  const auto mode = field("wanmode");
+  if (mode == "static") {
+    reply.text("wanmode", mode);
+    add_static(reply);
+  } else if (mode == "pppoe") {
+    reply.text("wanmode", mode);
+    add_pppoe(reply);
+  } else {
+    reply.text("wanmode", mode == "dhcp" ? mode : "");
+    add_fields(reply, {"mtu"});
+  }
+}
+
+// ---- setwancfg
+
+constexpr std::array kFields = {"wanip",     "wanmsk",   "wangw",       "dns1", "dns2",
+                                "pppoename", "pppoepsw", "server_name", "mtu"};
+
+std::string resolver_pair(const Request& request) {
+  return std::string(request.text("dns1").value_or("")) + " " +
+         std::string(request.text("dns2").value_or(""));
+}
+
+bool holds_only_storable_values(const Request& request) {
+  const auto fits = [](std::string_view value) {
+    return text::is_storable(value, config::kLongestValue);
+  };
+  return fits(request.text("wanmode").value_or("")) && fits(resolver_pair(request)) &&
+         std::all_of(kFields.begin(), kFields.end(),
+                     [&](const char* name) { return fits(request.text(name).value_or("")); });
+}
+
+// Nothing of an earlier connection type may outlive it, tunnels included.
+void forget_connection() {
+  for (const char* option : {"mtu", "dns", "service", "username", "password", "peerdns"}) {
+    config::remove({"network", "wan", option});
+  }
+  config::remove_section("network", "PPTP");
+  config::remove_section("network", "L2TP");
+  config::write({"internet", "pptp_l2tp", "pp_Switch"}, "off");
+  config::write({"internet", "pptp_l2tp", "l2_Switch"}, "off");
+}
+
+void store_fields(const Request& request) {
+  for (const std::string_view name : kFields) {
+    const auto sent = request.text(name.data());
+    if (!sent) continue;
+    const std::string value = name == "mtu"
+                                  ? text::format("%lld", text::to_int(*sent) + kPppoeOverhead * 1LL)
+                                  : std::string(*sent);
+    zelto_set_config(name.data(), value.c_str());
+    if (name == "dns2") config::write(kStaticResolvers, resolver_pair(request));
+  }
+}
+
+// The resolvers that the user has set for good win over those of a connection type.
+void apply_own_resolvers() {
+  const auto enabled = config::read({"system", "route", "advanced_dns_switch"}, kLongestSwitch);
+  const auto own = config::read({"system", "route", "advanced_dns"}, kLongestOwnResolvers);
+  if (text::to_int(enabled.value_or("")) != 1) return;
+  config::write({"network", "wan", "peerdns"}, "0");
+  config::write(kWanResolvers, own.value_or(""));
+}
+
+void change_settings(const Request& request, Reply& reply, char* out) {
+  static constexpr const char* kFunction = "bs_SetWanCfg";
+  const auto mode = request.text("wanmode");
+  if (!mode) return reply.result(zelto::kFailed);
+  if (!holds_only_storable_values(request)) {
+    zelto::log::error("setwancfg: a value does not fit!\n");
+    return reply.result(zelto::kFailed);
+  }
+  forget_connection();
+  config::write(kWanProtocol, std::string(*mode));
+  config::write(kConnectionType, std::string(*mode));
+  store_fields(request);
+  apply_own_resolvers();
+  reply.result(zelto::kDone);
+  reply.afterwards([out] {
+    console::trace(kFunction, out);
+    init_network_run();
+    zelto::shell::start(kRestart);
+    console::trace(kFunction, out);
+  });
+}
+
+// ---- getwaninfo
+
+// A PPP link has no hardware address of its own: the wire below it has.
+std::string mac_of_uplink(const std::string& uplink_interface) {
+  const bool is_ppp_link = uplink_interface == "pppoe-wan" || uplink_interface == "l2tp-L2TP" ||
+                           uplink_interface == "pptp-PPTP";
+  const auto mac = interface::hardware_address(is_ppp_link ? "eth0.2" : uplink_interface.c_str());
+  return mac.value_or("");
+}
+
+void add_live_facts(const Request& /*request*/, Reply& reply) {
+  const auto type = config::read(kConnectionType, kLongestConnectionType);
+  if (!type) {
+    zelto::log::error("get conntype failed!\n");
+    return reply.result(zelto::kFailed);
+  }
+  const auto name = uplink::interface_name();
+  reply.text("connetype", *type);
+  reply.text("wan_mac", mac_of_uplink(name));
+  reply.text("wanmsk", interface::netmask(name.c_str()).value_or(""));
+  reply.text("ip", interface::address(name.c_str()).value_or(""));
+  reply.text("gateway", uplink::gateway(name).value_or(""));
+  reply.text("dns1", uplink::resolver(1).value_or(""));
+  reply.text("dns2", uplink::resolver(2).value_or(""));
+}
+
+// ---- getwanmode
+
+std::string probe_uplink() {
+  const auto mode = config::read({"system", "route", "operationmode"});
+  const bool is_router = !mode || *mode == "router";
+  const auto output = zelto::shell::capture(
+      is_router ? "wan_check -I eth0.2" : "wan_check -I br-lan", kLongestFinding);
+  return std::string(text::without_last(output ? output->text : ""));
+}
+
+bool is_known_type(std::string_view finding) {
+  static constexpr std::array kTypes = {"dhcp", "pppoe", "static"};
+  return std::any_of(kTypes.begin(), kTypes.end(), [&](const char* type) {
+    return text::begins_with_ignoring_case(finding, type);
+  });
+}
+
+void add_detected_mode(const Request& /*request*/, Reply& reply) {
+  unsigned status = GetBasicstatus();
+  std::string mode = "unlink";
+  if ((status & ZELTO_STATUS_WAN) != 0) {
+    const auto finding = probe_uplink();
+    status = GetBasicstatus();  // probing takes long enough for the cable to be pulled
+    if ((status & ZELTO_STATUS_WAN) != 0) mode = is_known_type(finding) ? finding : "unknown";
+  }
+  reply.text("wanmode", mode);
+  reply.text("netlink", (status & ZELTO_STATUS_ONLINE) != 0 ? "online" : "offline");
+}
+
+}  // namespace
+
+int bs_GetWanCfg(const char* request, char* out) {
+  return answer({.type = "getwancfg", .unparsed_status = 0}, request, out, add_settings);
+}
+
+int bs_SetWanCfg(const char* request, char* out) {
+  return answer(
+      {.type = "setwancfg", .unparsed_status = 0}, request, out,
+      [out](const Request& parsed, Reply& reply) { change_settings(parsed, reply, out); });
+}
+
+int bs_GetWanInfo(const char* request, char* out) {
+  return answer({.type = "getwaninfo", .unparsed_status = 0}, request, out, add_live_facts);
+}
+
+int bs_GetWanMode(const char* request, char* out) {
+  return answer({.type = "getwanmode", .unparsed_status = 0}, request, out, add_detected_mode);
+}
