@@ -1,0 +1,109 @@
+#include "board/board.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Board : public testing::Test {
+ protected:
+  void SetUp() override { board::reset(); }
+
+  // What a command prints, seen as the firmware's own work.
+  static std::string output(const std::string& command) {
+    const int status = board::quiet({"sh", "-c", "(" + command + ") > /tmp/output 2>&1"});
+    return board::read_file("/tmp/output") + (status == 0 ? "" : std::to_string(status));
+  }
+
+  // As the library starts what nobody waits for.
+  static void start_detached(const char* command) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      setsid();
+      if (fork() == 0) {
+        for (int descriptor = 0; descriptor < 256; ++descriptor) close(descriptor);
+        if (std::system(command) < 0) _exit(1);
+      }
+      _exit(0);
+    }
+  }
+};
+
+TEST_F(Board, BootsWithItsInterfacesAndItsOwnProcesses) {
+  EXPECT_EQ(output("hostname; ls /proc | grep -c '^[0-9]*$'"), "ZELTO\n5\n");
+  EXPECT_EQ(output("ip -o -4 addr | awk '{print $2, $4}'"),
+            "lo 127.0.0.1/8\nbr-lan 192.168.10.1/24\neth0.2 100.64.10.2/24\n");
+  EXPECT_EQ(output("ip -o link | grep -c 'UP.*link/ether 02:5a:10:20:30:0[1-6]'"), "6\n");
+  EXPECT_EQ(output("route -n | awk '$1 == \"0.0.0.0\" {print $2, $8}'"), "100.64.10.1 eth0.2\n");
+}
+
+TEST_F(Board, JournalNotesWhatIsRunAndStartedButNotWhatThatRuns) {
+  EXPECT_EQ(std::system("sh -c 'true'; sh -c 'exit 3'\necho 'a\\b' > /tmp/x") >> 8, 0);
+  start_detached("sleep 20; sh -c true; echo late >> /tmp/x");
+  const std::vector<std::string> expected{
+      R"(run sh -c 'true'; sh -c 'exit 3'\necho 'a\\b' > /tmp/x)",
+      "start sleep 20; sh -c true; echo late >> /tmp/x"};
+  EXPECT_EQ(board::journal(), expected);
+  EXPECT_EQ(board::read_file("/tmp/x"), "a\\b\nlate\n");
+  board::clear_journal();
+  FILE* pipe = popen("cat", "w");
+  ASSERT_NE(pipe, nullptr);
+  pclose(pipe);
+  EXPECT_THAT(board::journal(), ElementsAre("run cat"));
+}
+
+TEST_F(Board, LogAndConsoleAreExactAndComplete) {
+  const std::string long_text(9000, 'x');
+  FILE* console = std::fopen("/dev/console", "w+");
+  ASSERT_NE(console, nullptr);
+  std::fprintf(console, "%s:%d\n\n%s", "file", 3, long_text.c_str());
+  std::fclose(console);
+  EXPECT_EQ(board::console(), "file:3\n\n" + long_text);
+  syslog(LOG_ERR, "a: b failed!\n");
+  syslog(LOG_DAEMON | LOG_INFO, "two\nlines\n\n");
+  EXPECT_THAT(board::log(), ElementsAre("<3>a: b failed!", "<6>two\\nlines\\n"));
+}
+
+TEST_F(Board, ResetRestoresFilesInterfacesAndProcesses) {
+  const std::string before = output("cat /etc/hosts; ls -lR /etc /usr /sbin /var /mnt | md5sum");
+  const std::string network =
+      output("ip addr | grep -v 'valid_lft\\|BROADCAST'; cat /proc/net/route");
+  EXPECT_EQ(output("echo x > /etc/hosts; rm -rf /sbin /var/log; mkdir -p /tmp/a/b /foo; "
+                   "mv /usr/bin/awk /usr/bin/awk_bak; ln -s x /tmp/y; mkdir /mnt/sda1; "
+                   "mount -t tmpfs none /mnt/sda1"),
+            "");
+  board::set_address("eth0.2", "10.0.0.5", "255.255.0.0");
+  board::set_address("br-lan", "");
+  board::set_address("ra9", "10.3.0.5");
+  board::set_gateway("eth0.2", "10.0.7.1");
+  board::add_point_to_point("ppp0", "10.64.0.2", "10.64.0.1");
+  board::set_gateway("ppp0", "10.64.0.1");
+  EXPECT_EQ(output("ip link set ra0 address 02:00:00:00:00:99; ip -6 addr add fd00::1/64 dev rai0"),
+            "");
+  EXPECT_THAT(output("ifconfig ppp0"), HasSubstr("inet addr:10.64.0.2  P-t-P:10.64.0.1"));
+  EXPECT_EQ(output("route -n | awk '$1 == \"0.0.0.0\" {print $2, $8}' | sort"),
+            "10.0.7.1 eth0.2\n10.64.0.1 ppp0\n");
+  start_detached("while :; do usleep 1000; done");
+  syslog(LOG_ERR, "x");
+  board::reset();
+  EXPECT_THAT(board::journal(), IsEmpty());
+  EXPECT_THAT(board::log(), IsEmpty());
+  EXPECT_EQ(board::console(), "");
+  EXPECT_EQ(output("cat /etc/hosts; ls -lR /etc /usr /sbin /var /mnt | md5sum"), before);
+  EXPECT_EQ(output("ip addr | grep -v 'valid_lft\\|BROADCAST'; cat /proc/net/route"), network);
+  EXPECT_EQ(output("ls /tmp /foo"), "ls: /foo: No such file or directory\n/tmp:\noutput\n1");
+}
+
+}  // namespace
