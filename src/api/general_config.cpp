@@ -135,7 +135,7 @@ int write(const Key& key, const std::string& value) {
   if (key.writing == Writing::kMode) return write_mode(value);
   std::string stored = value;
   if (key.writing == Writing::kAppended) stored = with_resolver(value);
-  if (key.writing == Writing::kInverted) stored = value == "1" ? "0" : "1";
+  if (key.writing == Writing::kInverted) stored.assign(1, value == "1" ? '0' : '1');
 
   // What the reader of the key could not give back whole is not stored.
   const bool fits = std::max(value.size(), stored.size()) <= config::kLongestValue;
