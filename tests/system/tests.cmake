@@ -1,0 +1,1 @@
+zelto_test(system_test system/login_test.cpp system/status_test.cpp)
