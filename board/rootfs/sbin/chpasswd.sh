@@ -1,0 +1,1 @@
+firmware_record
