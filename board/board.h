@@ -11,12 +11,12 @@ namespace board {
 struct Options {
   // Host programs (absolute paths) to place in the router's /usr/bin, with the shared libraries
   // that this process and they have loaded.
-  std::vector<std::string> programs;
+  std::vector<std::string> programs = {};
   // Whether the firmware's daemon stand-ins run (they keep the state files under /tmp fresh).
   bool services = false;
   // Called in the calling process once the router is up, with the process id that the router's
   // first process has outside.
-  std::function<void(int)> on_boot;
+  std::function<void(int)> on_boot = {};
 };
 
 // Boots a router, runs `inside` in a process of it, ends everything and returns the exit status
