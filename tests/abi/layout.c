@@ -1,9 +1,10 @@
 /* The layout of what the library exports as data. Firmwares that were built against it read and
    write these tables. */
+#include <stddef.h>
+
 #include <platform/easy_uci.h>
 #include <platform/uart_at.h>
 #include <platform/wifi_conf.h>
-#include <stddef.h>
 #include <zelto/fields.h>
 #include <zelto/zeltoapi.h>
 

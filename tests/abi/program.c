@@ -1,5 +1,6 @@
 /* What a front end in C does with the installed library. */
 #include <stdio.h>
+
 #include <zelto/zeltoapi.h>
 
 int main(void) {
