@@ -3,10 +3,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 #include "board/board.h"
@@ -47,8 +46,16 @@ bool write_all(int descriptor, std::string_view text) {
 }
 
 std::string read_file(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  // A file of /proc may go away while it is being read; what was read until then is the answer.
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  std::string content;
+  std::array<char, 4096> block;
+  ssize_t count = 0;
+  while (file.valid() && (count = read(file.get(), block.data(), block.size())) != 0) {
+    if (count < 0 && errno != EINTR) break;
+    if (count > 0) content.append(block.data(), static_cast<size_t>(count));
+  }
+  return content;
 }
 
 void write_file(const std::string& path, std::string_view content) {
