@@ -10,7 +10,7 @@
 namespace zelto::files {
 
 struct Closer {
-  void operator()(std::FILE* file) const { std::fclose(file); }
+  void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
 using File = std::unique_ptr<std::FILE, Closer>;
 

@@ -28,12 +28,12 @@ void failure(const char* command, const char* reason) noexcept {
 
 namespace zelto::console {
 
-void trace(std::string_view function, std::string_view text, std::source_location where) {
+void trace(std::string_view function, std::string_view text, int source_line) {
   const int console =
       open("/dev/console", O_RDWR | O_CREAT | O_TRUNC | O_NOCTTY | O_NONBLOCK | O_CLOEXEC, 0666);
   if (console < 0) return;
-  std::string line = text::format("zeltoapi.c:%.*s:%u:", static_cast<int>(function.size()),
-                                  function.data(), static_cast<unsigned>(where.line()));
+  std::string line = text::format("zeltoapi.c:%.*s:%d:", static_cast<int>(function.size()),
+                                  function.data(), source_line);
   line.append(text).append("\n\n");
   // One write keeps the lines of several callers apart; its failure has nobody to be told to.
   [[maybe_unused]] const auto written = write(console, line.data(), line.size());

@@ -1,7 +1,6 @@
 // Where the library says what went wrong: the system log and the console.
 #pragma once
 
-#include <source_location>
 #include <string_view>
 
 namespace zelto::log {
@@ -17,9 +16,9 @@ void failure(const char* command, const char* reason) noexcept;
 
 namespace zelto::console {
 
-// One trace line on /dev/console: source file, function, line and text. Dropped when the console
-// cannot be opened or does not take it at once: a stopped terminal never stops a command.
-void trace(std::string_view function, std::string_view text,
-           std::source_location where = std::source_location::current());
+// One trace line on /dev/console: source file, function, the caller's line and text. Dropped when
+// the console cannot be opened or does not take it at once: a stopped terminal never stops a
+// command.
+void trace(std::string_view function, std::string_view text, int source_line = __builtin_LINE());
 
 }  // namespace zelto::console
