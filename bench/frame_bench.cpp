@@ -1,0 +1,146 @@
+// What a request costs beside what it cannot do without.
+
+#include <benchmark/benchmark.h>
+#include <cjson/cJSON.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <string>
+
+#include <platform/easy_uci.h>
+#include <zelto/utilities.h>
+#include <zelto/zeltoapi.h>
+
+#include "board/board.h"
+
+namespace {
+
+constexpr const char* kHeartbeat = R"({"type":"getheartbeat"})";
+constexpr std::size_t kMegabyte = 1024 * 1024;
+
+void ask(benchmark::State& state, const char* request) {
+  std::array<char, ZELTO_REPLY_SIZE> out{};
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(share_func(request, out.data()));
+  }
+}
+
+void getheartbeat(benchmark::State& state) {
+  ask(state, kHeartbeat);
+}
+
+// The dispatcher and the handler each parse the request, and the reply is printed: the least that
+// the contract allows.
+void parse_parse_print(benchmark::State& state) {
+  cJSON* reply = cJSON_Parse(R"({"type":"getheartbeat","result":9})");
+  for (auto _ : state) {
+    cJSON* first = cJSON_Parse(kHeartbeat);
+    cJSON* second = cJSON_Parse(kHeartbeat);
+    char* text = cJSON_PrintUnformatted(reply);
+    benchmark::DoNotOptimize(text);
+    cJSON_free(text);
+    cJSON_Delete(first);
+    cJSON_Delete(second);
+  }
+  cJSON_Delete(reply);
+}
+
+struct Option {
+  const char* package;
+  const char* section;
+  const char* name;
+};
+
+template <std::size_t kCount>
+void read_options(benchmark::State& state, const std::array<Option, kCount>& options) {
+  std::array<char, 4096> value{};
+  for (auto _ : state) {
+    for (const auto& option : options) {
+      benchmark::DoNotOptimize(easy_uci_get_option_string(option.package, option.section,
+                                                          option.name, value.data(),
+                                                          static_cast<int>(value.size() - 1)));
+    }
+  }
+}
+
+void option_read(benchmark::State& state) {
+  read_options<1>(state, {{{"network", "lan", "ipaddr"}}});
+}
+
+void two_option_reads(benchmark::State& state) {
+  read_options<2>(state, {{{"network", "wan", "proto"}, {"network", "wan", "mtu"}}});
+}
+
+void five_option_reads(benchmark::State& state) {
+  read_options<5>(state, {{{"network", "lan", "ipaddr"},
+                           {"network", "lan", "netmask"},
+                           {"dhcp", "lan", "ignore"},
+                           {"dhcp", "lan", "start"},
+                           {"dhcp", "lan", "endip"}}});
+}
+
+void stat(benchmark::State& state) {
+  struct stat facts {};
+  for (auto _ : state) benchmark::DoNotOptimize(::stat("/etc/config/network", &facts));
+}
+
+void getlancfg(benchmark::State& state) {
+  ask(state, R"({"type":"getlancfg"})");
+}
+
+void getwancfg(benchmark::State& state) {
+  ask(state, R"({"type":"getwancfg"})");
+}
+
+// The time until `start` returns, with `megabytes` of the caller's memory in use. What it started
+// is waited for in between, so that it does not take the processor from the next one.
+template <typename Start>
+void time_start(benchmark::State& state, std::size_t megabytes, const Start& start) {
+  const std::string memory(megabytes * kMegabyte, 'x');
+  benchmark::DoNotOptimize(memory.data());
+  for (auto _ : state) {
+    const auto begin = std::chrono::steady_clock::now();
+    start();
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
+    state.SetIterationTime(elapsed.count());
+    while (waitpid(-1, nullptr, WNOHANG) == 0) usleep(100);
+    board::settle();
+  }
+}
+
+void start_8MB(benchmark::State& state) {
+  time_start(state, 8, [] { zelto_system(":"); });
+}
+
+void start_64MB(benchmark::State& state) {
+  time_start(state, 64, [] { zelto_system(":"); });
+}
+
+void vfork_exec(benchmark::State& state) {
+  time_start(state, 8, [] {
+    if (vfork() == 0) {
+      execl("/bin/sh", "sh", "-c", ":", nullptr);
+      _exit(127);
+    }
+  });
+}
+
+constexpr int kStarts = 60;
+
+BENCHMARK(getheartbeat);
+BENCHMARK(parse_parse_print);
+BENCHMARK(option_read);
+BENCHMARK(stat);
+BENCHMARK(getlancfg);
+BENCHMARK(five_option_reads);
+BENCHMARK(getwancfg);
+BENCHMARK(two_option_reads);
+BENCHMARK(start_8MB)->UseManualTime()->Iterations(kStarts);
+BENCHMARK(start_64MB)->UseManualTime()->Iterations(kStarts);
+BENCHMARK(vfork_exec)->UseManualTime()->Iterations(kStarts);
+
+}  // namespace

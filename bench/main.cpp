@@ -1,0 +1,15 @@
+#include <benchmark/benchmark.h>
+
+#include "board/board.h"
+#include "ratios.h"
+
+// Runs every benchmark on one virtual router and prints the ratios; exit status 1 when one is over
+// its budget.
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  return board::run({.programs = {UCI_TOOL}}, [] {
+    zelto_bench::RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    return reporter.print_ratios() ? 0 : 1;
+  });
+}
