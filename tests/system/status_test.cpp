@@ -96,7 +96,7 @@ TEST_F(Status, ASwitchToolThatCannotBeStartedIsUnknown) {
 TEST_F(Status, ShowsTheStatusPage) {
   set_links("22");
   board::write_file("/tmp/online_file", "online\n");
-  board::write_file("/var/board/nvram", "Model=R7 \"plus\"\n");
+  board::write_file("/var/board/nvram", "zelto.Model=R7 \"plus\"\n");
   given("system", "route", "CloudKey", "k3y");
   board::set_address("br-lan", "192.168.77.1");
   EXPECT_THAT(
