@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sched.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -26,6 +25,7 @@
 #include "board/interfaces.h"
 #include "board/namespaces.h"
 #include "board/processes.h"
+#include "board/programs.h"
 #include "board/root.h"
 #include "board/state_files.h"
 
@@ -265,32 +265,7 @@ std::string console() {
 }
 
 int quiet(const std::vector<std::string>& arguments) {
-  std::vector<char*> argv;
-  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
-  std::vector<char*> environment;
-  for (char** variable = environ; *variable != nullptr; ++variable) {
-    environment.push_back(*variable);
-  }
-  std::string mark = "ZELTO_BOARD_FIRMWARE=1";
-  environment.push_back(mark.data());
-  environment.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  pid_t child = 0;
-  const int error =
-      posix_spawnp(&child, argv.front(), &actions, nullptr, argv.data(), environment.data());
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) {
-    errno = error;
-    throw system_failure(arguments.front());
-  }
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) throw system_failure("waitpid");
-  }
-  return exit_status(status);
+  return run_program({.arguments = arguments, .unnoted = true, .silent = true});
 }
 
 }  // namespace board

@@ -155,13 +155,6 @@ class ConsoleReader {
   std::atomic<unsigned>& mark_;
 };
 
-void prepare_environment() {
-  umask(022);
-  if (setenv("PATH", kPath, 1) < 0 || setenv("HOME", "/root", 1) < 0 || unsetenv("TZ") < 0) {
-    throw system_failure("setenv");
-  }
-}
-
 // The library takes closed standard descriptors for the sign of a detached command.
 void open_standard_descriptors() {
   int descriptor = -1;
@@ -262,6 +255,13 @@ int serve_state_files() {
 }
 
 }  // namespace
+
+void prepare_environment() {
+  umask(022);
+  if (setenv("PATH", kPath, 1) < 0 || setenv("HOME", "/root", 1) < 0 || unsetenv("TZ") < 0) {
+    throw system_failure("setenv");
+  }
+}
 
 int exit_status(int wait_status) {
   return WIFSIGNALED(wait_status) ? kSignalStatus + WTERMSIG(wait_status)

@@ -29,6 +29,9 @@ inline constexpr char kMark = '\x1e';
 int run_init(const Parts& parts, bool services, SharedState& state, Descriptor booted,
              const std::function<int()>& inside);
 
+// What a process of the router has around it: search path, home, umask.
+void prepare_environment();
+
 // Exit status of a process from what wait gives.
 int exit_status(int wait_status);
 

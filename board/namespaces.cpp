@@ -1,8 +1,10 @@
 #include "board/namespaces.h"
 
+#include <fcntl.h>
 #include <linux/capability.h>
 #include <sched.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -10,6 +12,8 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "board/board.h"
 #include "board/files.h"
@@ -86,6 +90,29 @@ void enter_new_namespaces() {
   write_map("/proc/self/setgroups", "deny");
   write_map("/proc/self/uid_map", "0 " + std::to_string(user) + " 1");
   write_map("/proc/self/gid_map", "0 " + std::to_string(group) + " 1");
+}
+
+void join_namespaces(int process) {
+  const std::string directory = "/proc/" + std::to_string(process) + "/ns/";
+  std::vector<Descriptor> namespaces;
+  // The user namespace comes first, for it gives the rights to enter the others; the mounts last,
+  // for they take this /proc away.
+  for (const char* name : {"user", "ipc", "uts", "net", "pid", "mnt"}) {
+    const std::string path = directory + name;
+    struct stat theirs {};
+    struct stat ours {};
+    Descriptor descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!descriptor.valid() || fstat(descriptor.get(), &theirs) < 0 ||
+        stat((std::string("/proc/self/ns/") + name).c_str(), &ours) < 0) {
+      throw system_failure(path);
+    }
+    // Entering the own user namespace again is not allowed.
+    if (theirs.st_ino != ours.st_ino) namespaces.push_back(std::move(descriptor));
+  }
+  for (const Descriptor& descriptor : namespaces) {
+    if (setns(descriptor.get(), 0) < 0) throw system_failure("setns");
+  }
+  if (chdir("/") < 0) throw system_failure("chdir");
 }
 
 void drop_machine_rights() {

@@ -11,6 +11,10 @@ namespace board {
 // administrator.
 void enter_new_namespaces();
 
+// Moves the calling process, which has one thread, into the namespaces of `process`; its process
+// namespace holds from the next child on.
+void join_namespaces(int process);
+
 // The failure of `call` in setting up the router, with what usually stands behind it.
 std::string explain_refusal(const std::string& call, int error_number);
 

@@ -1,0 +1,81 @@
+#!/bin/sh
+# The launcher as a user meets it: launcher_test.sh DIRECTORY_OF_PROGRAMS
+set -eu
+programs=$1
+# A copy of its own keeps clear of a router that a developer has up.
+place=$(mktemp -d)
+up=
+# shellcheck disable=SC2329 # called by the trap
+clean() {
+  [ -z "$up" ] || kill "$up" 2> /dev/null || true
+  rm -rf "$place"
+}
+trap clean EXIT
+mkdir "$place/bin"
+cp "$programs/zelto-board" "$place/bin/"
+
+board() { "$place/bin/zelto-board" --programs-dir "$programs" "$@"; }
+
+expect() {
+  if [ "$2" != "$3" ]; then
+    printf '%s\nexpected:\n%s\ngot:\n%s\n' "$1" "$2" "$3" >&2
+    exit 1
+  fi
+}
+
+# The exit status of a command, whose output goes to "$place/output".
+status_of() {
+  if "$@" > "$place/output" 2>&1; then echo 0; else echo $?; fi
+}
+
+lan='{"type":"getlancfg"}'
+refused='{"type":"setlancfg","lanip":"100.64.10.9","landhcp":"on","lanmsk":"255.255.255.0"}'
+change='{"type":"setlancfg","lanip":"192.168.77.1","landhcp":"on","lanmsk":"255.255.0.0"}'
+changed_reply='{"type":"setlancfg","result":0}
+effects, in order:
+  uci   set network.lan.ipaddr=192.168.77.1
+  uci   set system.route.lan_ipaddr=192.168.77.1
+  uci   set dhcp.lan.ignore=0
+  uci   set network.lan.netmask=255.255.0.0
+  uci   set system.route.lan_netmask=255.255.0.0
+  uci   set dhcp.lan.netmask=255.255.0.0
+  start /etc/init.d/dnsmasq restart;/etc/init.d/network set_lan_quick;lua /sbin/svctl.lua set_iptv_portmap;/sbin/reset_lan_port.sh;/sbin/wifi_setup.sh wifi_restart all;/etc/init.d/terminal_list restart &'
+
+expect 'replies with effects' "$changed_reply
+"'{"type":"setlancfg","result":2}
+effects, in order:
+  (none)' "$(board "$change" "$refused" || true)"
+expect 'first failing status' 1 "$(status_of board "$refused" "$change")"
+expect 'requests from standard input' 2 "$(printf '%s\n\n%s\n' "$lan" "$lan" | board - | grep -c '"lanip"')"
+# shellcheck disable=SC2016 # for the shell on the router
+expect 'a shell on the router' '192.168.10.1 online 192.168.10.9/32' \
+  "$(echo 'uci set network.lan.ipaddr=192.168.10.9; uci set network.lan.netmask=255.255.255.255
+    echo 192.168.10.1 $(cat /tmp/online_file) $(/etc/init.d/network set_lan_quick; ip -o -4 addr show br-lan | awk "{print \$4}")' | board --shell)"
+# shellcheck disable=SC2016
+expect 'a static uplink' '10.9.8.7/24 10.9.8.1' \
+  "$(echo 'uci set network.wan.proto=static; uci set network.wan.ipaddr=10.9.8.7
+    uci set network.wan.netmask=255.255.255.0; uci set network.wan.gateway=10.9.8.1
+    /etc/init.d/network set_wan_quick
+    echo $(ip -o -4 addr show eth0.2 | awk "{print \$4}") $(route -n | awk "/^0.0.0.0/ {print \$2}")' | board --shell)"
+expect 'bad usage' 2 "$(status_of board --shell "$lan")"
+expect 'no programs' 1 "$(status_of "$place/bin/zelto-board" "$lan")"
+
+"$place/bin/zelto-board" --programs-dir "$programs" --up > "$place/up" &
+up=$!
+tries=100
+until [ -s "$place/router.pid" ] || [ $tries = 0 ]; do
+  sleep 0.1
+  tries=$((tries - 1))
+done
+expect 'one router at a time' 1 "$(status_of board --up)"
+expect 'a request to the router that is up' "$changed_reply" "$(board "$change")"
+expect 'its shell' '192.168.77.1/16' \
+  "$(echo 'ip -o -4 addr show br-lan | grep -o "192[^ ]*/16"' | board --shell)"
+kill -TERM "$up"
+if wait "$up"; then ended=0; else ended=$?; fi
+up=
+expect 'an orderly end' 0 "$ended"
+expect 'nothing left behind' 'bin output up' "$(find "$place" -mindepth 1 -maxdepth 1 -printf '%f\n' | sort | xargs)"
+# A file that names a process which is none of ours.
+echo "$$ 1" > "$place/router.pid"
+expect 'a new router' 1 "$(board "$lan" | grep -c 192.168.10.1)"
