@@ -197,7 +197,7 @@ ZELTO_API int bs_GetWanMode(const char* request, char* out);
  * @unparsed 0, logs "json data is NULL!"
  * @effects  none
  * @example  {"type":"getlancfg"} => {"type":"getlancfg","lanip":"192.168.10.1",
- *           "lanmsk":"255.255.255.0","landhcp":"on","startip":"100","endip":"200"}
+ *           "lanmsk":"255.255.255.0","landhcp":"on","startip":"100","endip":"249"}
  */
 ZELTO_API int bs_GetLanCfg(const char* request, char* out);
 
