@@ -1,5 +1,7 @@
 // The table of fields, and the walks over it.
 
+#include <cstddef>
+
 #include <zelto/fields.h>
 
 #include "api/boundary.h"
@@ -32,7 +34,7 @@ FieldRow cmd_convert[ZELTO_FIELD_COUNT] = {
     {"version", "version", GetFWVersion, nullptr, nullptr, nullptr},
 };
 
-static_assert(sizeof(FieldRow) == 2 * ZELTO_FIELD_TEXT_SIZE + 4 * sizeof(void (*)()));
+static_assert(sizeof(FieldRow) == std::size_t{2} * ZELTO_FIELD_TEXT_SIZE + 4 * sizeof(void (*)()));
 static_assert(sizeof cmd_convert == ZELTO_FIELD_COUNT * sizeof(FieldRow));
 
 namespace {

@@ -1,5 +1,6 @@
 // The two spellings of every value that web pages and stores write differently.
 
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
@@ -46,7 +47,7 @@ TranslationRow cmd_str[ZELTO_TRANSLATION_COUNT] = {
     {"radioon", "0", "1"},
 };
 
-static_assert(sizeof(TranslationRow) == 3 * ZELTO_FIELD_TEXT_SIZE);
+static_assert(sizeof(TranslationRow) == std::size_t{3} * ZELTO_FIELD_TEXT_SIZE);
 static_assert(sizeof cmd_str == ZELTO_TRANSLATION_COUNT * sizeof(TranslationRow));
 
 namespace {
