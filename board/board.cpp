@@ -117,7 +117,7 @@ int run_router(const Options& options, const std::function<int()>& inside) {
   const Descriptor reading(ends[0]);
   Descriptor writing(ends[1]);
   // What is buffered now would be printed by every process.
-  std::fflush(nullptr);
+  (void)std::fflush(nullptr);
   const pid_t supervisor = fork_supervisor();
   if (supervisor < 0) throw system_failure("fork");
   if (supervisor == 0) {
@@ -125,7 +125,7 @@ int run_router(const Options& options, const std::function<int()>& inside) {
     try {
       status = supervise_router(parts, options, std::move(writing), inside);
     } catch (const std::exception& failure) {
-      std::fprintf(stderr, "The virtual router does not boot.\n%s", failure.what());
+      (void)std::fprintf(stderr, "The virtual router does not boot.\n%s", failure.what());
     }
     std::_Exit(status);
   }
@@ -217,7 +217,7 @@ int run(const Options& options, const std::function<int()>& inside) {
   try {
     return run_router(options, inside);
   } catch (const std::exception& failure) {
-    std::fprintf(stderr, "The virtual router does not boot.\n%s\n", failure.what());
+    (void)std::fprintf(stderr, "The virtual router does not boot.\n%s\n", failure.what());
     return kCannotBoot;
   }
 }

@@ -282,7 +282,7 @@ int run_init(const Parts& parts, bool services, SharedState& state, Descriptor b
     booted.reset();
     return init->serve(start(init, inside));
   } catch (const std::exception& failure) {
-    std::fprintf(stderr, "The virtual router does not run: %s\n", failure.what());
+    (void)std::fprintf(stderr, "The virtual router does not run: %s\n", failure.what());
     return kCannotBoot;
   }
 }

@@ -86,6 +86,7 @@ std::string output_of(const std::vector<std::string>& arguments) {
   posix_spawn_file_actions_adddup2(&actions, writing.get(), STDOUT_FILENO);
   posix_spawn_file_actions_addclose(&actions, reading.get());
   std::vector<char*> argv;
+  argv.reserve(arguments.size() + 1);
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
   pid_t child = 0;

@@ -41,7 +41,7 @@ void give_terminal_to(pid_t group) {
   // Who is not in the foreground would be stopped for this.
   const auto previous = std::signal(SIGTTOU, SIG_IGN);
   tcsetpgrp(STDIN_FILENO, group);
-  std::signal(SIGTTOU, previous);
+  (void)std::signal(SIGTTOU, previous);
 }
 
 }  // namespace

@@ -58,7 +58,7 @@ std::optional<int> find_router() {
 int run_in_router(int process, const std::function<int()>& inside) {
   board::join_namespaces(process);
   board::prepare_environment();
-  std::fflush(nullptr);
+  (void)std::fflush(nullptr);
   const pid_t child = fork();
   if (child < 0) throw board::system_failure("fork");
   if (child == 0) {

@@ -17,13 +17,13 @@ constexpr const char* kFirmwareMark = "ZELTO_BOARD_FIRMWARE";
 // Busybox's shell runs its own applet for a plain name without looking at PATH; these two go to
 // the router's programs instead.
 constexpr const char* kPrelude = "sleep(){ /bin/sleep \"$@\";};reboot(){ /sbin/reboot \"$@\";};";
+constexpr int kCannotRun = 127;
 constexpr double kClockSpeed = 100;
 constexpr double kLongestSleepSeconds = 1e6;
 
 size_t append_text(char* line, size_t length, const char* text) {
-  const size_t size = strlen(text);
-  memcpy(line + length, text, size);
-  return length + size;
+  while (*text != '\0') line[length++] = *text++;
+  return length;
 }
 
 // The line goes out in one write, so that commands running side by side do not mix theirs.
@@ -62,7 +62,7 @@ int sleep_fast(int argc, char** argv) {
   double seconds = 0;
   for (int i = 1; i < argc; ++i) seconds += strtod(argv[i], nullptr);
   if (!(seconds >= 0 && seconds <= kLongestSleepSeconds)) {
-    fprintf(stderr, "sleep: invalid number\n");
+    (void)fprintf(stderr, "sleep: invalid number\n");
     return 1;
   }
   seconds /= kClockSpeed;
@@ -74,21 +74,22 @@ int sleep_fast(int argc, char** argv) {
   return 0;
 }
 
+int report(const char* what) {
+  perror(what);
+  return kCannotRun;
+}
+
 int become_busybox(char** argv) {
   execv(kBusybox, argv);
-  perror(kBusybox);
-  return 127;
+  return report(kBusybox);
 }
 
 int run_command(char** argv, char** command) {
   if (getenv(kFirmwareMark) == nullptr) note(*command);
-  const size_t size = strlen(kPrelude) + strlen(*command) + 1;
-  char* text = static_cast<char*>(malloc(size));
-  if (text == nullptr || setenv(kFirmwareMark, "1", 1) < 0) {
-    perror("sh");
-    return 127;
-  }
-  snprintf(text, size, "%s%s", kPrelude, *command);
+  if (setenv(kFirmwareMark, "1", 1) < 0) return report("sh");
+  char* text = static_cast<char*>(malloc(strlen(kPrelude) + strlen(*command) + 1));
+  if (text == nullptr) return report("sh");
+  text[append_text(text, append_text(text, 0, kPrelude), *command)] = '\0';
   *command = text;
   const int status = become_busybox(argv);
   free(text);

@@ -71,8 +71,8 @@ TEST_F(Board, LogAndConsoleAreExactAndComplete) {
   const std::string long_text(9000, 'x');
   FILE* console = std::fopen("/dev/console", "w+");
   ASSERT_NE(console, nullptr);
-  std::fprintf(console, "%s:%d\n\n%s", "file", 3, long_text.c_str());
-  std::fclose(console);
+  (void)std::fprintf(console, "%s:%d\n\n%s", "file", 3, long_text.c_str());
+  (void)std::fclose(console);
   EXPECT_EQ(board::console(), "file:3\n\n" + long_text);
   syslog(LOG_ERR, "a: b failed!\n");
   syslog(LOG_DAEMON | LOG_INFO, "two\nlines\n\n");
