@@ -1,5 +1,3 @@
-#include "platform/uart_at.h"
-
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -7,7 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/easy_uci.h"
+#include <platform/easy_uci.h>
+#include <platform/uart_at.h>
+
 #include "platform/journal/journal.h"
 #include "platform/uart/answer.h"
 #include "platform/uart/serial_port.h"

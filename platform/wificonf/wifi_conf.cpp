@@ -1,9 +1,9 @@
-#include "platform/wifi_conf.h"
-
 #include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include <platform/wifi_conf.h>
 
 #include "platform/common/read_file.h"
 #include "platform/common/replace_file.h"
