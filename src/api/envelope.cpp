@@ -24,10 +24,16 @@ void print_failure(const Command& command, char* out) {
   std::snprintf(out, ZELTO_REPLY_SIZE, R"({"type":"%s","result":%d})", command.type, kFailed);
 }
 
-void print(const Command& command, const Reply& reply, char* out) {
-  if (reply.print(out)) return;
-  print_failure(command, out);
-  log::error(text::format("the reply of %s is too long!\n", command.type));
+void print(const Command& command, Reply& reply, char* out) {
+  switch (reply.print(out)) {
+    case Reply::Printed::kWhole:
+      return;
+    case Reply::Printed::kListCut:
+      return log::error(text::format("the list of %s is too long and was cut!\n", command.type));
+    case Reply::Printed::kNot:
+      print_failure(command, out);
+      return log::error(text::format("the reply of %s is too long!\n", command.type));
+  }
 }
 
 }  // namespace
@@ -41,6 +47,7 @@ int answer(const Command& command, const char* request, char* out, const Body& b
 
     Reply reply;
     const auto type = parsed.type();
+    if (!type && command.is_silent_without_type) return 0;
     if (!command.echoes_type) {
       reply.text("type", command.type);
     } else if (type) {
@@ -54,6 +61,7 @@ int answer(const Command& command, const char* request, char* out, const Body& b
     print(command, reply, out);
     printed = true;
     reply.run_effects();
+    return reply.status();
   } catch (const std::exception& failure) {
     if (!printed) print_failure(command, out);
     log::failure(command.type, failure.what());

@@ -14,7 +14,8 @@ struct Command {
   int unparsed_status = -1;                           // returned for a text that is not JSON
   const char* unparsed_log = "json data is NULL!\n";  // null: not logged
   const char* unparsed_traced_as = nullptr;  // handler's name: traced on the console, not logged
-  bool echoes_type = false;       // the reply's "type" is the request's own, absent when that is
+  bool echoes_type = false;  // the reply's "type" is the request's own, absent when that is
+  bool is_silent_without_type = false;  // without "type" nothing is written, and 0 returned
   bool accepts_any_type = false;  // the body runs, and looks, also when "type" is not the command
 };
 

@@ -6,8 +6,8 @@
 
 namespace zelto::files {
 
-File open(const char* path) {
-  return File(std::fopen(path, "re"));
+File open(const char* path, const char* mode) {
+  return File(std::fopen(path, mode));
 }
 
 std::optional<std::string> read_line(std::FILE* file, std::size_t longest) {

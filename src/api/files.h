@@ -14,8 +14,8 @@ struct Closer {
 };
 using File = std::unique_ptr<std::FILE, Closer>;
 
-// Opens for reading; null on failure.
-File open(const char* path);
+// Opens for reading, or as `mode` of fopen says; null on failure.
+File open(const char* path, const char* mode = "re");
 
 // The next line with its line feed, cut at `longest` bytes (the rest comes as the next line);
 // nothing at the end of the file.

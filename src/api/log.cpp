@@ -20,6 +20,10 @@ void error(std::string_view text) {
   syslog(LOG_ERR, "%s", safe.c_str());
 }
 
+void refused(const char* command) {
+  error(text::format("%s: a value does not fit!\n", command));
+}
+
 void failure(const char* command, const char* reason) noexcept {
   syslog(LOG_ERR, "%s: %s!\n", command, reason);
 }

@@ -9,6 +9,9 @@ namespace zelto::log {
 // (a value may have brought them) appear as "?", so that no value forges a line of the log.
 void error(std::string_view text);
 
+// Says that a command stored nothing because a value of its request cannot be.
+void refused(const char* command);
+
 // Says, without needing memory, why a command was given up.
 void failure(const char* command, const char* reason) noexcept;
 

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 struct cJSON;
@@ -12,29 +13,65 @@ namespace zelto {
 inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
 
-class Reply {
+// An object of a reply. Members are added as they come; a name may occur twice and must be a
+// constant.
+class Object {
+ public:
+  explicit Object(cJSON* object) : object_(object) {}
+
+  void text(const char* member, std::string_view value);
+  void number(const char* member, double value);
+
+ protected:
+  void add(const char* member, cJSON* item);
+
+  cJSON* object_;
+};
+
+// An array of objects.
+class List {
+ public:
+  explicit List(cJSON* array) : array_(array) {}
+
+  // One more object at the end.
+  Object add();
+
+ private:
+  cJSON* array_;
+};
+
+class Reply : public Object {
  public:
   Reply();
   ~Reply();
   Reply(const Reply&) = delete;
   Reply& operator=(const Reply&) = delete;
 
-  // Members are added as they come; a name may occur twice. `member` must be a constant.
-  void text(const char* member, std::string_view value);
-  void number(const char* member, double value);
   void result(int value) { number("result", value); }
+
+  // An array, which print() may shorten when it is the last one of the reply.
+  List list(const char* member);
+
+  // What the handler returns, when that is not 0.
+  void status(int value) { status_ = value; }
+  int status() const { return status_; }
 
   // Adds an effect that runs after the reply has been written, in the order of the calls.
   void afterwards(std::function<void()> effect) { effects_.push_back(std::move(effect)); }
-
-  // Writes the reply, at most ZELTO_REPLY_SIZE bytes; false when it does not fit.
-  bool print(char* out) const;
   void run_effects() const;
 
- private:
-  void add(const char* member, cJSON* item);
+  enum class Printed { kWhole, kListCut, kNot };
 
-  cJSON* root_;
+  // Writes the reply, at most ZELTO_REPLY_SIZE bytes. A list that is too long for that keeps its
+  // first elements, whole ones.
+  Printed print(char* out);
+
+ private:
+  bool try_print(char* out) const;
+  void shorten_list();
+
+  cJSON* last_list_ = nullptr;
+  int status_ = 0;
   std::vector<std::function<void()>> effects_;
 };
 

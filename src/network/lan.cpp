@@ -115,7 +115,7 @@ int change(const Request& request) {
     return kSameSegment;
   }
   if (!holds_only_storable_values(request)) {
-    zelto::log::error("setlancfg: a value does not fit!\n");
+    zelto::log::refused("setlancfg");
     return zelto::kFailed;
   }
   return store(request);

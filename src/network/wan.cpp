@@ -147,7 +147,7 @@ void change_settings(const Request& request, Reply& reply, char* out) {
   const auto mode = request.text("wanmode");
   if (!mode) return reply.result(zelto::kFailed);
   if (!holds_only_storable_values(request)) {
-    zelto::log::error("setwancfg: a value does not fit!\n");
+    zelto::log::refused("setwancfg");
     return reply.result(zelto::kFailed);
   }
   forget_connection();

@@ -23,22 +23,32 @@ const std::string kHeaders = [] {
 }();
 
 struct Example {
-  std::string command;
+  std::vector<std::string> commands;  // all that the handler serves
   std::string request;
   std::string reply;  // * stands for any text or number
   std::string handler;
 };
 
+std::vector<std::string> all_matches(const std::string& text, const std::regex& form) {
+  std::vector<std::string> found;
+  for (std::sregex_iterator match(text.begin(), text.end(), form), end; match != end; ++match) {
+    found.push_back(match->str(1));
+  }
+  return found;
+}
+
 std::vector<Example> examples() {
   static const std::regex kForm(
-      R"(@command +(\w+)(?:\n \*[^/\n][^\n]*)*?\n \* @example +(\{.*\}) =>((?:\s|\*  |[^/])+)\*/\n)"
-      R"(ZELTO_API int (\w+)\()");
+      R"(\n \* ((?:@command +\w+\n \* )+)(?:[^/\n][^\n]*\n \* ?)*?@example +(\{(?:[^/]|/(?!\n))*?\}))"
+      R"(\s*=>((?:[^*]|\*(?!/))+)\*/\nZELTO_API int (\w+)\()");
+  static const std::regex kCommand(R"(@command +(\w+))");
   static const std::regex kFolds(R"(\n \* +|^\s+|\s+$)");
   std::vector<Example> found;
   for (std::sregex_iterator match(kHeaders.begin(), kHeaders.end(), kForm), end; match != end;
        ++match) {
-    found.push_back({match->str(1), match->str(2), std::regex_replace(match->str(3), kFolds, ""),
-                     match->str(4)});
+    found.push_back({all_matches(match->str(1), kCommand),
+                     std::regex_replace(match->str(2), kFolds, ""),
+                     std::regex_replace(match->str(3), kFolds, ""), match->str(4)});
   }
   return found;
 }
@@ -55,7 +65,7 @@ class Examples : public zelto_test::RouterTest {};
 TEST_F(Examples, Hold) {
   std::set<std::string> documented;
   for (const auto& example : examples()) {
-    documented.insert(example.command);
+    documented.insert(example.commands.begin(), example.commands.end());
     board::reset();
     board::write_file("/tmp/online_file", "online\n");
     board::write_file("/tmp/wan_speed_file", "0KB/s 0KB/s\n");
