@@ -6,7 +6,6 @@
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/syscall.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -80,16 +79,6 @@ int supervise_router(const Parts& parts, const Options& options, Descriptor boot
   return supervise(init);
 }
 
-// ThreadSanitizer gives a forked process a thread of its own, and no process with two threads may
-// enter a user namespace; it does not see this call. The process only forks the router's first one.
-pid_t fork_supervisor() {
-#ifdef __SANITIZE_THREAD__
-  return static_cast<pid_t>(syscall(SYS_clone, SIGCHLD, 0, 0, 0, 0));
-#else
-  return fork();
-#endif
-}
-
 bool wait_for_boot(int pipe) {
   char byte = 0;
   ssize_t size = 0;
@@ -118,7 +107,7 @@ int run_router(const Options& options, const std::function<int()>& inside) {
   Descriptor writing(ends[1]);
   // What is buffered now would be printed by every process.
   (void)std::fflush(nullptr);
-  const pid_t supervisor = fork_supervisor();
+  const pid_t supervisor = fork_single_threaded();
   if (supervisor < 0) throw system_failure("fork");
   if (supervisor == 0) {
     int status = kCannotBoot;

@@ -6,17 +6,22 @@
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <stdexcept>
-#include <utility>
 #include <vector>
 
 #include "board/board.h"
 #include "board/files.h"
+#include "board/init.h"
 
 namespace board {
 namespace {
@@ -47,6 +52,56 @@ void write_map(const char* file, const std::string& text) {
   } catch (const std::runtime_error&) {
     throw std::runtime_error(explain_refusal(std::string("write ") + file, errno));
   }
+}
+
+Descriptor open_namespace(int process, const char* name) {
+  const std::string path = "/proc/" + std::to_string(process) + "/ns/" + name;
+  Descriptor descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!descriptor.valid()) throw system_failure(path);
+  return descriptor;
+}
+
+void join(const Descriptor& descriptor) {
+  if (setns(descriptor.get(), 0) < 0) throw system_failure("setns");
+}
+
+// Entering the own user namespace again is not allowed.
+bool is_own_user_namespace(const Descriptor& descriptor) {
+  struct stat theirs {};
+  struct stat ours {};
+  if (fstat(descriptor.get(), &theirs) < 0 || stat("/proc/self/ns/user", &ours) < 0) {
+    throw system_failure("user namespace");
+  }
+  return theirs.st_ino == ours.st_ino;
+}
+
+int wait_for(pid_t child) {
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) throw system_failure("waitpid");
+  }
+  return exit_status(status);
+}
+
+// The mounts come last, in a process that the router's /proc knows: sanitizers read there about
+// themselves.
+int join_and_run(int process, const Descriptor& mounts, const std::function<int()>& inside) {
+  std::vector<Descriptor> namespaces;
+  for (const char* name : {"ipc", "uts", "net", "pid"}) {
+    namespaces.push_back(open_namespace(process, name));
+  }
+  // First, for it gives the rights to enter the others.
+  const Descriptor user = open_namespace(process, "user");
+  if (!is_own_user_namespace(user)) join(user);
+  for (const Descriptor& descriptor : namespaces) join(descriptor);
+  const pid_t child = fork();
+  if (child < 0) throw system_failure("fork");
+  if (child != 0) return wait_for(child);
+  // A sanitizer's thread may share the working directory, which forbids to change the mounts.
+  if (unshare(CLONE_FS) < 0) throw system_failure("unshare");
+  join(mounts);
+  if (chdir("/") < 0) throw system_failure("chdir");
+  std::exit(inside());
 }
 
 }  // namespace
@@ -92,27 +147,30 @@ void enter_new_namespaces() {
   write_map("/proc/self/gid_map", "0 " + std::to_string(group) + " 1");
 }
 
-void join_namespaces(int process) {
-  const std::string directory = "/proc/" + std::to_string(process) + "/ns/";
-  std::vector<Descriptor> namespaces;
-  // The user namespace comes first, for it gives the rights to enter the others; the mounts last,
-  // for they take this /proc away.
-  for (const char* name : {"user", "ipc", "uts", "net", "pid", "mnt"}) {
-    const std::string path = directory + name;
-    struct stat theirs {};
-    struct stat ours {};
-    Descriptor descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!descriptor.valid() || fstat(descriptor.get(), &theirs) < 0 ||
-        stat((std::string("/proc/self/ns/") + name).c_str(), &ours) < 0) {
-      throw system_failure(path);
+pid_t fork_single_threaded() {
+#ifdef __SANITIZE_THREAD__
+  // ThreadSanitizer starts a thread in a child it sees forked, and a process with two threads may
+  // not enter a user namespace. It does not see this call.
+  return static_cast<pid_t>(syscall(SYS_clone, SIGCHLD, 0, 0, 0, 0));
+#else
+  return fork();
+#endif
+}
+
+int run_in_namespaces(int process, const std::function<int()>& inside) {
+  const Descriptor mounts = open_namespace(process, "mnt");
+  const pid_t joiner = fork_single_threaded();
+  if (joiner < 0) throw system_failure("fork");
+  if (joiner == 0) {
+    int status = kCannotBoot;
+    try {
+      status = join_and_run(process, mounts, inside);
+    } catch (const std::exception& failure) {
+      (void)std::fprintf(stderr, "Cannot enter the virtual router: %s\n", failure.what());
     }
-    // Entering the own user namespace again is not allowed.
-    if (theirs.st_ino != ours.st_ino) namespaces.push_back(std::move(descriptor));
+    std::_Exit(status);
   }
-  for (const Descriptor& descriptor : namespaces) {
-    if (setns(descriptor.get(), 0) < 0) throw system_failure("setns");
-  }
-  if (chdir("/") < 0) throw system_failure("chdir");
+  return wait_for(joiner);
 }
 
 void drop_machine_rights() {

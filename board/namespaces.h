@@ -2,6 +2,9 @@
 // IPC, and none of the rights that reach beyond them.
 #pragma once
 
+#include <sys/types.h>
+
+#include <functional>
 #include <string>
 
 namespace board {
@@ -11,9 +14,11 @@ namespace board {
 // administrator.
 void enter_new_namespaces();
 
-// Moves the calling process, which has one thread, into the namespaces of `process`; its process
-// namespace holds from the next child on.
-void join_namespaces(int process);
+// As fork(), for a child that enters namespaces: it has one thread whatever a sanitizer does.
+pid_t fork_single_threaded();
+
+// Runs `inside` in a process that shares the namespaces of `process`; returns its exit status.
+int run_in_namespaces(int process, const std::function<int()>& inside);
 
 // The failure of `call` in setting up the router, with what usually stands behind it.
 std::string explain_refusal(const std::string& call, int error_number);

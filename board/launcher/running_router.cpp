@@ -1,17 +1,10 @@
 #include "board/launcher/running_router.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <sstream>
 
 #include "board/board.h"
-#include "board/files.h"
 #include "board/init.h"
 #include "board/namespaces.h"
 #include "board/processes.h"
@@ -56,21 +49,13 @@ std::optional<int> find_router() {
 }
 
 int run_in_router(int process, const std::function<int()>& inside) {
-  board::join_namespaces(process);
-  board::prepare_environment();
   (void)std::fflush(nullptr);
-  const pid_t child = fork();
-  if (child < 0) throw board::system_failure("fork");
-  if (child == 0) {
+  return board::run_in_namespaces(process, [&] {
+    board::prepare_environment();
     // The router's services, and what other terminals do.
     board::exempt_all();
-    std::exit(inside());
-  }
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) throw board::system_failure("waitpid");
-  }
-  return board::exit_status(status);
+    return inside();
+  });
 }
 
 }  // namespace launcher
