@@ -13,6 +13,10 @@ struct Option {
   const char* name;
 };
 
+// What several subsystems look at: how the router is used, and how its WAN connects.
+inline constexpr Option kOperationMode = {"system", "route", "operationmode"};
+inline constexpr Option kConnectionType = {"system", "route", "conntype"};
+
 // Longest value most readers take.
 inline constexpr std::size_t kLongestValue = 127;
 

@@ -11,12 +11,8 @@
 #include "api/log.h"
 #include "api/text.h"
 
+namespace zelto {
 namespace {
-
-namespace config = zelto::config;
-namespace log = zelto::log;
-namespace text = zelto::text;
-using zelto::guarded;
 
 constexpr int kWritten = 0;
 constexpr int kRefused = -1;
@@ -147,6 +143,9 @@ int write(const Key& key, const std::string& value) {
 }
 
 }  // namespace
+}  // namespace zelto
+
+using namespace zelto;
 
 int zelto_get_general_cfg(const char* key, char* output) {
   return guarded(0, [&] {

@@ -15,14 +15,8 @@
 #include "api/text.h"
 #include "network/uplink.h"
 
+namespace zelto {
 namespace {
-
-namespace config = zelto::config;
-namespace console = zelto::console;
-namespace text = zelto::text;
-using zelto::answer;
-using zelto::Reply;
-using zelto::Request;
 
 constexpr config::Option kAddress = {"network", "lan", "ipaddr"};
 constexpr config::Option kNetmask = {"network", "lan", "netmask"};
@@ -52,7 +46,7 @@ void add_settings(const Request& /*request*/, Reply& reply) {
   };
   const bool complete = add("lanip", kAddress) && add("lanmsk", kNetmask) && add_dhcp_switch() &&
                         add("startip", kRangeBegin) && add("endip", kRangeEnd);
-  if (!complete) reply.result(zelto::kFailed);
+  if (!complete) reply.result(kFailed);
 }
 
 std::string_view segment_of(std::string_view address) {
@@ -62,8 +56,7 @@ std::string_view segment_of(std::string_view address) {
 
 // Whether an address has the first three parts of the uplink's. With the uplink down none has.
 bool is_in_uplink_segment(std::string_view lan_address) {
-  const auto uplink_address =
-      zelto::interface::address(zelto::uplink::interface_name().c_str()).value_or("");
+  const auto uplink_address = interface::address(uplink::interface_name().c_str()).value_or("");
   if (uplink_address.size() < kShortestAddress) return false;
   return segment_of(uplink_address) == segment_of(lan_address);
 }
@@ -87,11 +80,11 @@ int store(const Request& request) {
   write(*address, {"system", "route", "lan_ipaddr"}, "system lan_ipaddr");
 
   const auto dhcp = request.text("landhcp");
-  if (!dhcp) return zelto::kFailed;
+  if (!dhcp) return kFailed;
   write(*dhcp == "on" ? "0" : "1", kDhcpServerOff, "dhcpEnabled");
 
   const auto netmask = request.text("lanmsk");
-  if (!netmask) return zelto::kFailed;
+  if (!netmask) return kFailed;
   write(*netmask, kNetmask, "lan_netmask");
   write(*netmask, {"system", "route", "lan_netmask"}, "system lan_netmask");
   write(*netmask, {"dhcp", "lan", "netmask"}, "dhcp netmask");
@@ -104,24 +97,27 @@ int store(const Request& request) {
     write(*end, kRangeEnd, "dhcp endip");
     write(*end, {"system", "route", "dhcp_endip"}, "dhcp_endip");
   }
-  return zelto::kDone;
+  return kDone;
 }
 
 int change(const Request& request) {
   const auto address = request.text("lanip");
-  if (request.type() != "setlancfg" || !address) return zelto::kFailed;
+  if (request.type() != "setlancfg" || !address) return kFailed;
   if (is_in_uplink_segment(*address)) {
-    zelto::log::error("lan and wan ip at some segment\n");
+    log::error("lan and wan ip at some segment\n");
     return kSameSegment;
   }
   if (!holds_only_storable_values(request)) {
-    zelto::log::refused("setlancfg");
-    return zelto::kFailed;
+    log::refused("setlancfg");
+    return kFailed;
   }
   return store(request);
 }
 
 }  // namespace
+}  // namespace zelto
+
+using namespace zelto;
 
 int bs_GetLanCfg(const char* request, char* out) {
   return answer({.type = "getlancfg", .unparsed_status = 0}, request, out, add_settings);
@@ -138,7 +134,7 @@ int bs_SetLanCfg(const char* request, char* out) {
                   reply.result(result);
                   reply.afterwards([out, result] {
                     console::trace(kFunction, out);
-                    if (result != kSameSegment) zelto::shell::start(kRestart);
+                    if (result != kSameSegment) shell::start(kRestart);
                     console::trace(kFunction, "");
                   });
                 });

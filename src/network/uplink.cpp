@@ -70,10 +70,8 @@ const char* radio(const Question& question) {
 
 // Null in an unknown operation mode.
 const char* find_interface(const Question& question) {
-  const auto mode =
-      read_or({"system", "route", "operationmode"}, kLongestMode, "router", question.mode_failed);
-  const auto type =
-      read_or({"system", "route", "conntype"}, kLongestMode, "dhcp", question.type_failed);
+  const auto mode = read_or(config::kOperationMode, kLongestMode, "router", question.mode_failed);
+  const auto type = read_or(config::kConnectionType, kLongestMode, "dhcp", question.type_failed);
   if (mode == "router") return wired(question.sees_ppp_links ? type : "");
   if (mode == "wisp") return radio(question);
   if (mode == "repeater" || mode == "AP") return "br-lan";

@@ -17,18 +17,9 @@
 #include "api/text.h"
 #include "network/uplink.h"
 
+namespace zelto {
 namespace {
 
-namespace config = zelto::config;
-namespace console = zelto::console;
-namespace interface = zelto::interface;
-namespace text = zelto::text;
-namespace uplink = zelto::uplink;
-using zelto::answer;
-using zelto::Reply;
-using zelto::Request;
-
-constexpr config::Option kConnectionType = {"system", "route", "conntype"};
 constexpr config::Option kStaticResolvers = {"system", "route", "static_dns"};
 constexpr config::Option kWanProtocol = {"network", "wan", "proto"};
 constexpr config::Option kWanResolvers = {"network", "wan", "dns"};
@@ -145,21 +136,21 @@ void apply_own_resolvers() {
 void change_settings(const Request& request, Reply& reply, char* out) {
   static constexpr const char* kFunction = "bs_SetWanCfg";
   const auto mode = request.text("wanmode");
-  if (!mode) return reply.result(zelto::kFailed);
+  if (!mode) return reply.result(kFailed);
   if (!holds_only_storable_values(request)) {
-    zelto::log::refused("setwancfg");
-    return reply.result(zelto::kFailed);
+    log::refused("setwancfg");
+    return reply.result(kFailed);
   }
   forget_connection();
   config::write(kWanProtocol, std::string(*mode));
-  config::write(kConnectionType, std::string(*mode));
+  config::write(config::kConnectionType, std::string(*mode));
   store_fields(request);
   apply_own_resolvers();
-  reply.result(zelto::kDone);
+  reply.result(kDone);
   reply.afterwards([out] {
     console::trace(kFunction, out);
     init_network_run();
-    zelto::shell::start(kRestart);
+    shell::start(kRestart);
     console::trace(kFunction, out);
   });
 }
@@ -175,10 +166,10 @@ std::string mac_of_uplink(const std::string& uplink_interface) {
 }
 
 void add_live_facts(const Request& /*request*/, Reply& reply) {
-  const auto type = config::read(kConnectionType, kLongestConnectionType);
+  const auto type = config::read(config::kConnectionType, kLongestConnectionType);
   if (!type) {
-    zelto::log::error("get conntype failed!\n");
-    return reply.result(zelto::kFailed);
+    log::error("get conntype failed!\n");
+    return reply.result(kFailed);
   }
   const auto name = uplink::interface_name();
   reply.text("connetype", *type);
@@ -193,10 +184,10 @@ void add_live_facts(const Request& /*request*/, Reply& reply) {
 // ---- getwanmode
 
 std::string probe_uplink() {
-  const auto mode = config::read({"system", "route", "operationmode"});
+  const auto mode = config::read(config::kOperationMode);
   const bool is_router = !mode || *mode == "router";
-  const auto output = zelto::shell::capture(
-      is_router ? "wan_check -I eth0.2" : "wan_check -I br-lan", kLongestFinding);
+  const auto output =
+      shell::capture(is_router ? "wan_check -I eth0.2" : "wan_check -I br-lan", kLongestFinding);
   return std::string(text::without_last(output ? output->text : ""));
 }
 
@@ -220,6 +211,9 @@ void add_detected_mode(const Request& /*request*/, Reply& reply) {
 }
 
 }  // namespace
+}  // namespace zelto
+
+using namespace zelto;
 
 int bs_GetWanCfg(const char* request, char* out) {
   return answer({.type = "getwancfg", .unparsed_status = 0}, request, out, add_settings);

@@ -43,28 +43,23 @@ std::string cloud_key() {
 
 }  // namespace zelto::identity
 
+namespace zelto {
 namespace {
-
-namespace config = zelto::config;
-namespace identity = zelto::identity;
-using zelto::answer;
-using zelto::Reply;
-using zelto::Request;
 
 constexpr std::size_t kLongestLanguage = 15;
 constexpr std::size_t kClockSize = 32;
 
 void add_language(const Request& /*request*/, Reply& reply) {
   const auto stored = config::read({"luci", "main", "lang"}, kLongestLanguage);
-  if (!stored) return reply.result(zelto::kFailed);
-  zelto::log::error("get_info:" + *stored + "\n");
+  if (!stored) return reply.result(kFailed);
+  log::error("get_info:" + *stored + "\n");
   if (*stored == "auto" || *stored == "en") return reply.text("language", "en");
   reply.text("language", *stored == "zh_cn" ? "zhcn" : "unknown");
 }
 
 void add_host(const Request& /*request*/, Reply& reply) {
   reply.text("hostname", identity::model());
-  reply.text("hostmac", zelto::interface::hardware_address("br-lan").value_or(""));
+  reply.text("hostmac", interface::hardware_address("br-lan").value_or(""));
   reply.text("hostkey", identity::cloud_key());
   reply.text("hostpwd", config::read({"system", "route", "routepwd"}).value_or(""));
   reply.text("hostmodel", identity::firmware_version());
@@ -81,6 +76,9 @@ void add_time(const Request& /*request*/, Reply& reply) {
 }
 
 }  // namespace
+}  // namespace zelto
+
+using namespace zelto;
 
 int bs_getLanguage_info(const char* request, char* out) {
   return answer({.type = "getlanguage"}, request, out, add_language);

@@ -13,19 +13,12 @@
 #include "api/shell.h"
 #include "api/text.h"
 
+namespace zelto {
 namespace {
-
-namespace config = zelto::config;
-namespace shell = zelto::shell;
-namespace text = zelto::text;
-using zelto::answer;
-using zelto::Reply;
-using zelto::Request;
 
 constexpr config::Option kUser = {"system", "route", "routeusr"};
 constexpr config::Option kPassword = {"system", "route", "routepwd"};
 constexpr config::Option kFirstLogin = {"system", "route", "webLoginFirst"};
-constexpr config::Option kOperationMode = {"system", "route", "operationmode"};
 
 constexpr std::size_t kLongestUser = 31;
 constexpr std::size_t kLongestPassword = 127;
@@ -53,7 +46,7 @@ std::string mint_token() {
 
 // The operation mode, and the band of the uplink where that is a radio.
 void add_mode(Reply& reply) {
-  const auto mode = config::read(kOperationMode);
+  const auto mode = config::read(config::kOperationMode);
   reply.text("defmode", mode.value_or("router"));
   const auto add_band = [&](const config::Option& option) {
     reply.text("wifiType", config::read(option, kLongestWord).value_or(""));
@@ -65,15 +58,18 @@ void add_mode(Reply& reply) {
 void log_in(const Request& request, Reply& reply) {
   if (!matches(request, "user", kUser, kLongestUser) ||
       !matches(request, "pass", kPassword, kLongestPassword)) {
-    return reply.result(zelto::kFailed);
+    return reply.result(kFailed);
   }
   reply.text("token", mint_token());
   reply.number("first_login", text::to_int(config::read(kFirstLogin, kLongestWord).value_or("")));
   add_mode(reply);
-  reply.result(zelto::kDone);
+  reply.result(kDone);
 }
 
 }  // namespace
+}  // namespace zelto
+
+using namespace zelto;
 
 int bs_loginauth(const char* request, char* out) {
   return answer({.type = "loginauth", .unparsed_status = 0}, request, out, log_in);
@@ -81,10 +77,10 @@ int bs_loginauth(const char* request, char* out) {
 
 int check_auth(const char* token) {
   if (token == nullptr) return 0;
-  return zelto::guarded(0, [&] {
-    const auto file = zelto::files::open(kTokenFile);
+  return guarded(0, [&] {
+    const auto file = files::open(kTokenFile);
     if (!file) return 0;
-    while (const auto line = zelto::files::read_line(file.get(), kTokenLine)) {
+    while (const auto line = files::read_line(file.get(), kTokenLine)) {
       if (line->front() == '\0') continue;
       if (text::without_last(*line).find(token) != std::string_view::npos) return 1;
     }

@@ -12,14 +12,8 @@
 #include "api/shell.h"
 #include "api/text.h"
 
+namespace zelto {
 namespace {
-
-namespace config = zelto::config;
-namespace files = zelto::files;
-namespace log = zelto::log;
-namespace shell = zelto::shell;
-namespace text = zelto::text;
-using zelto::guarded;
 
 constexpr const char* kSpeedFile = "/tmp/wan_speed_file";
 constexpr const char* kOnlineFile = "/tmp/online_file";
@@ -98,7 +92,7 @@ unsigned status_word() {
 std::string current_date() {
   constexpr const char* kUnknownDate = "1970-01-01 08:00:00";
   const auto date = shell::capture_line(R"(date +"%Y-%m-%d %H:%M:%S")", kDateLine);
-  if (!date) zelto::console::trace("get_system_current_time", "get time from date fail");
+  if (!date) console::trace("get_system_current_time", "get time from date fail");
   return date && date->text.size() >= kShortestDate ? date->text : kUnknownDate;
 }
 
@@ -109,6 +103,9 @@ std::string uptime_seconds() {
 }
 
 }  // namespace
+}  // namespace zelto
+
+using namespace zelto;
 
 int get_sysrun_time(char* buffer, int size) {
   return guarded(-1, [&] {

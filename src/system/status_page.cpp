@@ -15,14 +15,8 @@
 #include "api/text.h"
 #include "system/identity.h"
 
+namespace zelto {
 namespace {
-
-namespace config = zelto::config;
-namespace identity = zelto::identity;
-namespace text = zelto::text;
-using zelto::answer;
-using zelto::Reply;
-using zelto::Request;
 
 constexpr std::size_t kWorkSize = 128;
 constexpr std::size_t kLongestFigure = 31;
@@ -69,7 +63,7 @@ std::string add_option(Reply& reply, const char* member, const config::Option& o
                        const char* fallback, const char* failure) {
   const auto value = config::read(option);
   if (!value) {
-    if (failure != nullptr) zelto::log::error(failure);
+    if (failure != nullptr) log::error(failure);
     reply.text(member, fallback);
   }
   reply.text(member, value.value_or(""));
@@ -92,7 +86,7 @@ void add_identity(Reply& reply) {
   reply.text("producttype", identity::model());
   reply.text("smart", identity::board_entry("smart", "0"));
   reply.text("lanmac", mac.data());
-  reply.text("lanip", zelto::interface::address("br-lan").value_or(""));
+  reply.text("lanip", interface::address("br-lan").value_or(""));
   reply.text("key", identity::cloud_key());
   reply.text("server_type", "1");
   reply.text("ver", identity::firmware_version());
@@ -102,10 +96,9 @@ void add_identity(Reply& reply) {
 void add_status(const Request& /*request*/, Reply& reply) {
   add_load(reply);
   const unsigned status = add_links(reply);
-  const auto mode =
-      add_option(reply, "operationmode", {"system", "route", "operationmode"}, "router", nullptr);
+  const auto mode = add_option(reply, "operationmode", config::kOperationMode, "router", nullptr);
   if (mode == "router") {
-    add_option(reply, "connetype", {"system", "route", "conntype"}, "dhcp",
+    add_option(reply, "connetype", config::kConnectionType, "dhcp",
                "get wanConnectionMode failed!\n");
   }
   reply.number("link", (status & ZELTO_STATUS_ONLINE) != 0 ? 1 : 0);
@@ -114,6 +107,9 @@ void add_status(const Request& /*request*/, Reply& reply) {
 }
 
 }  // namespace
+}  // namespace zelto
+
+using namespace zelto;
 
 int bs_GetRouteInfo(const char* request, char* out) {
   return answer({.type = "getrouterinfo"}, request, out, add_status);
