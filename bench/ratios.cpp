@@ -33,7 +33,11 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
     if (run.aggregate_name != "median") continue;
     const auto name = run.run_name.function_name;
     medians_[name] = run.GetAdjustedRealTime() / 1000.0;
-    std::printf("%-20s %10.3f us\n", name.c_str(), medians_[name]);
+    std::printf("%-20s %10.3f us", name.c_str(), medians_[name]);
+    for (const auto& [counter, value] : run.counters) {
+      std::printf("  %s %.1f", counter.c_str(), value.value);
+    }
+    std::printf("\n");
   }
 }
 
