@@ -10,21 +10,14 @@
 #include "api/log.h"
 #include "api/text.h"
 
+namespace zelto::wireless {
 namespace {
-
-namespace config = zelto::config;
-namespace list_file = zelto::list_file;
-namespace text = zelto::text;
-using list_file::Outcome;
-using zelto::answer;
-using zelto::Reply;
-using zelto::Request;
 
 constexpr config::Option kSwitch = {"system", "route", "wifi_schedule"};
 constexpr std::size_t kLongestWord = 23;
 
 // A record is the period, a blank and the days.
-constexpr zelto::ListFile kSchedule = {
+constexpr ListFile kSchedule = {
     .path = "/etc/wifi_schedule_list",
     .work_path = "/tmp/wifi_schedule_list",
     .replacement =
@@ -48,18 +41,18 @@ void add_schedule(const Request& /*request*/, Reply& reply) {
   }
 }
 
-int report(Outcome outcome, const char* not_written) {
-  if (outcome == Outcome::kDone) return zelto::kDone;
-  zelto::log::error(outcome == Outcome::kNotRead ? kNotRead : not_written);
-  return zelto::kFailed;
+int report(list_file::Outcome outcome, const char* not_written) {
+  if (outcome == list_file::Outcome::kDone) return kDone;
+  log::error(outcome == list_file::Outcome::kNotRead ? kNotRead : not_written);
+  return kFailed;
 }
 
 // An entry that no reader of the list would find again is not added.
 int add_entry(const std::string& period, const std::string& week, const std::string& record) {
   if (!list_file::is_word(period, kLongestWord) || !list_file::is_word(week, kLongestWord) ||
       record.size() + 1 < kSchedule.shortest) {
-    zelto::log::refused("wifi_schedule_apply");
-    return zelto::kFailed;
+    log::refused("wifi_schedule_apply");
+    return kFailed;
   }
   return report(list_file::add_once(kSchedule, record), kNotAdded);
 }
@@ -69,7 +62,7 @@ void change_schedule(const Request& request, Reply& reply) {
   const std::string period(request.text("period").value_or(""));
   const std::string week(request.text("week").value_or(""));
   const std::string record = period + " " + week;
-  if (!action) return reply.result(zelto::kFailed);
+  if (!action) return reply.result(kFailed);
   if (*action == "add") return reply.result(add_entry(period, week, record));
   const auto differs = [&](const std::string& other) { return other != record; };
   reply.result(report(list_file::rewrite(kSchedule, differs), kNotRewritten));
@@ -78,13 +71,17 @@ void change_schedule(const Request& request, Reply& reply) {
 void change_switch(const Request& request, Reply& reply) {
   const auto state = request.text("Switch");
   if (!state || !text::is_storable(*state, config::kLongestValue)) {
-    return reply.result(zelto::kFailed);
+    return reply.result(kFailed);
   }
   config::write(kSwitch, std::string(*state));
-  reply.result(zelto::kDone);
+  reply.result(kDone);
 }
 
 }  // namespace
+}  // namespace zelto::wireless
+
+using namespace zelto;
+using namespace zelto::wireless;
 
 int bs_GetWifiScheduleData(const char* request, char* out) {
   return answer({.type = "wifi_schedule", .unparsed_log = "json is NULL\n"}, request, out,
