@@ -12,6 +12,7 @@ namespace {
 
 // Larger than any value the store should hold, so that its library never has to cut.
 constexpr std::size_t kBufferSize = 4096;
+constexpr std::size_t kNameSize = 512;  // what firmwares' libraries are known to need
 constexpr int kStoreFailed = -1;
 
 }  // namespace
@@ -42,8 +43,18 @@ void remove(const Option& option) {
   easy_uci_delete_option(option.package, option.section, option.name);
 }
 
-void remove_section(const char* package, const char* section) {
-  easy_uci_delete_section(package, section);
+void add_section(const char* package, const char* type, const char* name) {
+  easy_uci_add_section(package, type, name);
+}
+
+bool remove_section(const char* package, const std::string& section) {
+  return easy_uci_delete_section(package, section.c_str()) != kStoreFailed;
+}
+
+std::optional<std::string> section_of_type(const char* package, const char* type, int n) {
+  std::array<char, kNameSize> name{};
+  if (easy_uci_get_nth_section_of_type(package, type, n, name.data()) != 0) return std::nullopt;
+  return std::string(text::in_buffer(name.data(), name.size()));
 }
 
 }  // namespace zelto::config

@@ -30,7 +30,12 @@ bool write(const Option& option, const std::string& value);
 // The same with one log line for a failure: "set <what> to <value> failed!".
 bool write_or_log(const Option& option, const std::string& value, const char* what);
 
+// A null name adds an anonymous section.
+void add_section(const char* package, const char* type, const char* name);
 void remove(const Option& option);
-void remove_section(const char* package, const char* section);
+bool remove_section(const char* package, const std::string& section);
+
+// The name of the n-th section of a type, from 0; nothing when there are fewer.
+std::optional<std::string> section_of_type(const char* package, const char* type, int n);
 
 }  // namespace zelto::config

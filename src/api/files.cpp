@@ -1,7 +1,9 @@
 #include "api/files.h"
 
 #include <sys/file.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 
 namespace zelto::files {
@@ -18,6 +20,21 @@ std::optional<std::string> read_line(std::FILE* file, std::size_t longest) {
   }
   if (line.empty()) return std::nullopt;
   return line;
+}
+
+std::optional<std::string> read_all(const char* path) {
+  const auto file = open(path);
+  if (!file) return std::nullopt;
+  std::string content;
+  std::array<char, 4096> block;
+  while (const auto count = std::fread(block.data(), 1, block.size(), file.get())) {
+    content.append(block.data(), count);
+  }
+  return content;
+}
+
+void remove(const char* path) {
+  unlink(path);
 }
 
 Lock::Lock(std::FILE* file) : descriptor_(fileno(file)) {

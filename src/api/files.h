@@ -21,6 +21,11 @@ File open(const char* path, const char* mode = "re");
 // nothing at the end of the file.
 std::optional<std::string> read_line(std::FILE* file, std::size_t longest);
 
+// All of a file; nothing when it cannot be opened.
+std::optional<std::string> read_all(const char* path);
+
+void remove(const char* path);
+
 // An exclusive lock on an open file, waited for, from construction to destruction. Declare it after
 // the file: the file must outlive it.
 class Lock {

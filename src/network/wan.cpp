@@ -16,26 +16,17 @@
 #include "api/shell.h"
 #include "api/text.h"
 #include "network/uplink.h"
+#include "network/wan_settings.h"
 
 namespace zelto {
 namespace {
 
 constexpr config::Option kStaticResolvers = {"system", "route", "static_dns"};
 constexpr config::Option kWanProtocol = {"network", "wan", "proto"};
-constexpr config::Option kWanResolvers = {"network", "wan", "dns"};
 
 constexpr std::size_t kLongestStaticResolvers = 149;
 constexpr std::size_t kLongestConnectionType = 255;
-constexpr std::size_t kLongestSwitch = 7;
-constexpr std::size_t kLongestOwnResolvers = 63;
 constexpr std::size_t kLongestFinding = 127;
-
-// What PPPoE takes of every packet. Pages show the size of the payload, the store keeps the whole.
-constexpr int kPppoeOverhead = 8;
-
-constexpr const char* kRestart =
-    "/etc/init.d/network set_wan_quick;killall -USR2 udhcpc;killall -USR1 udhcpc;"
-    "lua /sbin/svctl.lua set_iptv_portmap &";
 
 // ---- getwancfg
 
@@ -65,7 +56,7 @@ void add_static(Reply& reply) {
 
 void add_pppoe(Reply& reply) {
   add_fields(reply, {"pppoename", "pppoepsw", "server_name"});
-  reply.text("mtu", text::format("%d", text::to_int(field("mtu")) - kPppoeOverhead));
+  reply.text("mtu", text::format("%d", text::to_int(field("mtu")) - wan::kPppoeOverhead));
 }
 
 void add_settings(const Request& /*request*/, Reply& reply) {
@@ -84,60 +75,30 @@ void add_settings(const Request& /*request*/, Reply& reply) {
 
 // ---- setwancfg
 
-constexpr std::array kFields = {"wanip",     "wanmsk",   "wangw",       "dns1", "dns2",
-                                "pppoename", "pppoepsw", "server_name", "mtu"};
-
-std::string resolver_pair(const Request& request) {
-  return std::string(request.text("dns1").value_or("")) + " " +
-         std::string(request.text("dns2").value_or(""));
-}
-
-bool holds_only_storable_values(const Request& request) {
-  const auto fits = [](std::string_view value) {
-    return text::is_storable(value, config::kLongestValue);
-  };
-  return fits(request.text("wanmode").value_or("")) && fits(resolver_pair(request)) &&
-         std::all_of(kFields.begin(), kFields.end(),
-                     [&](const char* name) { return fits(request.text(name).value_or("")); });
-}
-
 // Nothing of an earlier connection type may outlive it, tunnels included.
 void forget_connection() {
   for (const char* option : {"mtu", "dns", "service", "username", "password", "peerdns"}) {
     config::remove({"network", "wan", option});
   }
-  config::remove_section("network", "PPTP");
-  config::remove_section("network", "L2TP");
-  config::write({"internet", "pptp_l2tp", "pp_Switch"}, "off");
-  config::write({"internet", "pptp_l2tp", "l2_Switch"}, "off");
+  wan::forget_tunnels();
 }
 
 void store_fields(const Request& request) {
-  for (const std::string_view name : kFields) {
-    const auto sent = request.text(name.data());
+  for (const char* name : wan::kFields) {
+    const auto sent = request.text(name);
     if (!sent) continue;
-    const std::string value = name == "mtu"
-                                  ? text::format("%lld", text::to_int(*sent) + kPppoeOverhead * 1LL)
-                                  : std::string(*sent);
-    zelto_set_config(name.data(), value.c_str());
-    if (name == "dns2") config::write(kStaticResolvers, resolver_pair(request));
+    wan::store_field(name, *sent);
+    if (std::string_view(name) == "dns2") {
+      config::write(kStaticResolvers, wan::resolver_pair(request));
+    }
   }
-}
-
-// The resolvers that the user has set for good win over those of a connection type.
-void apply_own_resolvers() {
-  const auto enabled = config::read({"system", "route", "advanced_dns_switch"}, kLongestSwitch);
-  const auto own = config::read({"system", "route", "advanced_dns"}, kLongestOwnResolvers);
-  if (text::to_int(enabled.value_or("")) != 1) return;
-  config::write({"network", "wan", "peerdns"}, "0");
-  config::write(kWanResolvers, own.value_or(""));
 }
 
 void change_settings(const Request& request, Reply& reply, char* out) {
   static constexpr const char* kFunction = "bs_SetWanCfg";
   const auto mode = request.text("wanmode");
   if (!mode) return reply.result(kFailed);
-  if (!holds_only_storable_values(request)) {
+  if (!text::is_storable(*mode, config::kLongestValue) || !wan::fields_are_storable(request)) {
     log::refused("setwancfg");
     return reply.result(kFailed);
   }
@@ -145,12 +106,12 @@ void change_settings(const Request& request, Reply& reply, char* out) {
   config::write(kWanProtocol, std::string(*mode));
   config::write(config::kConnectionType, std::string(*mode));
   store_fields(request);
-  apply_own_resolvers();
+  wan::apply_own_resolvers();
   reply.result(kDone);
   reply.afterwards([out] {
     console::trace(kFunction, out);
     init_network_run();
-    shell::start(kRestart);
+    shell::start(wan::kRestart);
     console::trace(kFunction, out);
   });
 }

@@ -12,19 +12,8 @@
 #include "api/text.h"
 #include "wireless/radio.h"
 
+namespace zelto::wireless {
 namespace {
-
-namespace config = zelto::config;
-namespace driver = zelto::driver;
-namespace shell = zelto::shell;
-namespace text = zelto::text;
-namespace wireless = zelto::wireless;
-using wireless::Radio;
-using zelto::answer;
-using zelto::Members;
-using zelto::Object;
-using zelto::Reply;
-using zelto::Request;
 
 // What the driver needs for a bandwidth of web pages. Null: the radio has no such key.
 struct Bandwidth {
@@ -58,7 +47,7 @@ struct Tuner {
   bool has_channel_14;
 };
 const Tuner kTuner2G = {
-    wireless::k2G,
+    k2G,
     "2",
     "CountryRegion",
     &Country::region_2g,
@@ -68,7 +57,7 @@ const Tuner kTuner2G = {
     true,
 };
 const Tuner kTuner5G = {
-    wireless::k5G,
+    k5G,
     "3",
     "CountryRegionABand",
     &Country::region_5g,
@@ -79,19 +68,11 @@ const Tuner kTuner5G = {
     false,
 };
 
-constexpr int kChannel14 = 14;
 constexpr const char* kAutomatic = "0";
-constexpr const char* kModeOfChannel14 = "1";  // 802.11b is all that is allowed there
-constexpr const char* kModeOfOthers = "9";
 constexpr int kFirstUpperChannel = 10;  // from here on the second half of 40 MHz lies below
 
 void write(const Tuner& tuner, const char* key, const std::string& value) {
   driver::write(tuner.radio.profile, key, driver::kWhole, value);
-}
-
-void write_mode(const Tuner& tuner, const char* mode) {
-  driver::write(tuner.radio.profile, "WirelessMode", driver::kMain, mode);
-  driver::write(tuner.radio.profile, "WirelessMode", driver::kGuest, mode);
 }
 
 // ---- getters
@@ -135,9 +116,9 @@ bool add_settings(const Radio& radio, const Settings& settings, int& current, Ob
 }
 
 void add_both(const Request& /*request*/, Reply& reply) {
-  const auto settings_2g = read_settings(wireless::k2G);
-  const auto settings_5g = settings_2g ? read_settings(wireless::k5G) : std::nullopt;
-  if (!settings_5g) return reply.result(zelto::kFailed);
+  const auto settings_2g = read_settings(k2G);
+  const auto settings_5g = settings_2g ? read_settings(k5G) : std::nullopt;
+  if (!settings_5g) return reply.result(kFailed);
   auto configurations = reply.list("configurations");
   int current = 0;  // goes from one radio to the next, as the answer of last resort
   bool complete = true;
@@ -146,9 +127,9 @@ void add_both(const Request& /*request*/, Reply& reply) {
     object.text("radio", radio.name);
     complete = add_settings(radio, settings, current, object) && complete;
   };
-  add(wireless::k2G, *settings_2g);
-  add(wireless::k5G, *settings_5g);
-  if (!complete) reply.result(zelto::kFailed);
+  add(k2G, *settings_2g);
+  add(k5G, *settings_5g);
+  if (!complete) reply.result(kFailed);
 }
 
 int get_channel(const char* type, const Radio& radio, const char* request, char* out) {
@@ -156,7 +137,7 @@ int get_channel(const char* type, const Radio& radio, const char* request, char*
     const auto settings = read_settings(radio);
     int current = 0;
     if (!settings || !add_settings(radio, *settings, current, reply)) {
-      reply.result(zelto::kFailed);
+      reply.result(kFailed);
     }
   });
 }
@@ -171,28 +152,18 @@ struct Wishes {
 
   bool storable() const {
     for (const auto* wish : {&channel, &country, &bandwidth}) {
-      if (*wish && !text::is_storable(**wish, wireless::kLongestFlag)) return false;
+      if (*wish && !text::is_storable(**wish, kLongestFlag)) return false;
     }
     return true;
   }
 };
-
-// Channel 14 has a mode of its own, which the radio must leave with it.
-void apply_channel_14_rule(const Tuner& tuner, const std::string& channel) {
-  const auto before = driver::read(tuner.radio.profile, "Channel", driver::kWhole).value_or("");
-  if (text::to_int(channel) == kChannel14) {
-    write_mode(tuner, kModeOfChannel14);
-  } else if (text::to_int(before) == kChannel14) {
-    write_mode(tuner, kModeOfOthers);
-  }
-}
 
 void write_selection(const Tuner& tuner, const std::string& channel) {
   write(tuner, "AutoChannelSelect", channel == kAutomatic ? tuner.automatic_selection : "0");
 }
 
 void write_channel(const Tuner& tuner, const std::string& channel) {
-  if (tuner.has_channel_14) apply_channel_14_rule(tuner, channel);
+  if (tuner.has_channel_14) settle_channel_14(channel);
   write(tuner, "Channel", channel);
 }
 
@@ -212,7 +183,7 @@ void write_bandwidth(const Tuner& tuner, const std::string& web) {
     write(tuner, "HT_BW", bandwidth.ht);
     write(tuner, "HT_BSSCoexistence", bandwidth.coexistence);
     if (bandwidth.vht != nullptr) write(tuner, "VHT_BW", bandwidth.vht);
-    if (bandwidth.mode != nullptr) write_mode(tuner, bandwidth.mode);
+    if (bandwidth.mode != nullptr) write_mode(tuner.radio, bandwidth.mode);
   }
 }
 
@@ -237,7 +208,7 @@ std::optional<std::string> copied(const std::optional<std::string_view>& text) {
 }
 
 int change_both(const Request& request) {
-  if (request.type() != "setchannelall") return zelto::kFailed;
+  if (request.type() != "setchannelall") return kFailed;
   const auto wishes = [&](const char* channel, const char* country, const char* bandwidth) {
     return Wishes{copied(request.text(channel)), copied(request.text(country)),
                   copied(request.text(bandwidth))};
@@ -245,12 +216,12 @@ int change_both(const Request& request) {
   const auto wishes_2g = wishes("channel", "countrycode", "htbw");
   const auto wishes_5g = wishes("channel_5", "countrycode_5", "htbw_5");
   if (!wishes_2g.storable() || !wishes_5g.storable()) {
-    zelto::log::refused("setchannelall");
-    return zelto::kFailed;
+    log::refused("setchannelall");
+    return kFailed;
   }
   tune(kTuner2G, wishes_2g, /*settles_2g=*/true);
   tune(kTuner5G, wishes_5g, /*settles_2g=*/false);
-  return zelto::kDone;
+  return kDone;
 }
 
 // A radio that is the uplink keeps the channel of the access point it has joined: only the other
@@ -259,10 +230,10 @@ const char* tuning_command() {
   constexpr const char* kAll = "wifi_setup.sh wifi_model;wifi_setup.sh wifi_channel all &";
   const auto read = [](const config::Option& option, const char* failure) {
     auto value = config::read(option);
-    if (!value) zelto::log::error(failure);
+    if (!value) log::error(failure);
     return value;
   };
-  const auto mode = read({"system", "route", "operationmode"}, "uci get operationmode error!\n");
+  const auto mode = read(config::kOperationMode, "uci get operationmode error!\n");
   std::optional<std::string> uplink;
   if (mode == "wisp") {
     uplink = read({"internet", "wisp", "wisp_type"}, "uci get wisp_type error!\n");
@@ -270,10 +241,10 @@ const char* tuning_command() {
     uplink = read({"internet", "repeater", "repeater_type"}, "uci get repeater_type error!\n");
   }
   if (!uplink) return kAll;
-  if (*uplink == wireless::k2G.band) {
+  if (*uplink == k2G.band) {
     return "wifi_setup.sh wifi_model;wifi_setup.sh wifi_channel 5.8G &";
   }
-  if (*uplink == wireless::k5G.band) {
+  if (*uplink == k5G.band) {
     return "wifi_setup.sh wifi_model;wifi_setup.sh wifi_channel 2.4G &";
   }
   return nullptr;
@@ -290,27 +261,31 @@ int set_channel(const char* type, const Tuner& tuner, const char* command, const
                   const Wishes wishes = {number("channel"), copied(parsed.text("countrycode")),
                                          number("htbw")};
                   if (!wishes.storable()) {
-                    zelto::log::refused(type);
-                    return reply.result(zelto::kFailed);
+                    log::refused(type);
+                    return reply.result(kFailed);
                   }
                   tune(tuner, wishes, /*settles_2g=*/false);
                   shell::start(command);
-                  reply.result(zelto::kDone);
+                  reply.result(kDone);
                 });
 }
 
 }  // namespace
+}  // namespace zelto::wireless
+
+using namespace zelto;
+using namespace zelto::wireless;
 
 int bs_GetChannelAll(const char* request, char* out) {
   return answer({.type = "getchannelall"}, request, out, add_both);
 }
 
 int bs_GetAdvChannel(const char* request, char* out) {
-  return get_channel("get2channel", wireless::k2G, request, out);
+  return get_channel("get2channel", k2G, request, out);
 }
 
 int bs_Get5AdvChannel(const char* request, char* out) {
-  return get_channel("get5channel", wireless::k5G, request, out);
+  return get_channel("get5channel", k5G, request, out);
 }
 
 // The radios are tuned after every answer, also of a request that was refused.

@@ -11,18 +11,8 @@
 #include "wireless/power.h"
 #include "wireless/security.h"
 
+namespace zelto::wireless {
 namespace {
-
-namespace config = zelto::config;
-namespace driver = zelto::driver;
-namespace shell = zelto::shell;
-namespace text = zelto::text;
-namespace wireless = zelto::wireless;
-using wireless::Radio;
-using zelto::answer;
-using zelto::Object;
-using zelto::Reply;
-using zelto::Request;
 
 // ---- getwlancfgall
 
@@ -50,23 +40,23 @@ void add_configuration(const Radio& radio, const DriverFacts& facts, Object entr
   entry.text("radio", radio.name);
   entry.number("enable", text::to_int(facts.enabled));
   entry.text("wlanssid", config::read(radio.main.ssid).value_or(""));
-  entry.text("wlanpswencry", wireless::web_spelling("wlanpswencry", facts.cipher));
-  entry.text("wlanpswmode", wireless::web_mode(facts.authentication, facts.cipher));
+  entry.text("wlanpswencry", web_spelling("wlanpswencry", facts.cipher));
+  entry.text("wlanpswmode", web_mode(facts.authentication, facts.cipher));
   entry.text("wlanpsw", facts.passphrase);
   entry.number("ssidhide", text::to_int(config::read(radio.main.hidden).value_or("")));
-  if (const auto level = wireless::power_level(facts.transmit_power)) entry.number("power", *level);
+  if (const auto level = power_level(facts.transmit_power)) entry.number("power", *level);
 }
 
 void add_configurations(const Request& /*request*/, Reply& reply) {
-  const auto dual = config::read(wireless::kDualSwitch).value_or("");
-  reply.text("dualSwitch", dual.empty() ? wireless::kOff : dual);
+  const auto dual = config::read(kDualSwitch).value_or("");
+  reply.text("dualSwitch", dual.empty() ? kOff : dual);
 
-  const auto facts_2g = read_facts(wireless::k2G);
-  const auto facts_5g = facts_2g ? read_facts(wireless::k5G) : std::nullopt;
-  if (!facts_5g) return reply.result(zelto::kFailed);
+  const auto facts_2g = read_facts(k2G);
+  const auto facts_5g = facts_2g ? read_facts(k5G) : std::nullopt;
+  if (!facts_5g) return reply.result(kFailed);
   auto configurations = reply.list("configurations");
-  add_configuration(wireless::k2G, *facts_2g, configurations.add());
-  add_configuration(wireless::k5G, *facts_5g, configurations.add());
+  add_configuration(k2G, *facts_2g, configurations.add());
+  add_configuration(k5G, *facts_5g, configurations.add());
 }
 
 // ---- setwlancfgall
@@ -79,15 +69,15 @@ struct Band {
   const char* power;
   const char* mode;
 };
-const Band kBand2G = {wireless::k2G, "wlanssid", "wlanpsw", "power", "wlanpswmode"};
-const Band kBand5G = {wireless::k5G, "wlanssid_5", "wlanpsw_5", "power_5", "wlanpswmode_5"};
+const Band kBand2G = {k2G, "wlanssid", "wlanpsw", "power", "wlanpswmode"};
+const Band kBand5G = {k5G, "wlanssid_5", "wlanpsw_5", "power_5", "wlanpswmode_5"};
 
 bool is_acceptable(const Request& request) {
   const auto dual = request.text("dualSwitch");
   if (dual && !text::is_storable(*dual, config::kLongestValue)) return false;
   for (const auto* band : {&kBand2G, &kBand5G}) {
-    if (!wireless::is_text_or_missing(request.text(band->ssid)) ||
-        !wireless::is_text_or_missing(request.text(band->passphrase))) {
+    if (!is_text_or_missing(request.text(band->ssid)) ||
+        !is_text_or_missing(request.text(band->passphrase))) {
       return false;
     }
   }
@@ -98,43 +88,43 @@ bool is_acceptable(const Request& request) {
 std::string store(const Request& request, const Band& band) {
   std::string state;
   if (const auto ssid = request.text(band.ssid)) {
-    state = wireless::switch_state(band.radio);
-    wireless::store_ssid(band.radio, band.radio.main, *ssid, state == wireless::kOn);
+    state = switch_state(band.radio);
+    store_ssid(band.radio, band.radio.main, *ssid, state == kOn);
   }
   if (const auto passphrase = request.text(band.passphrase)) {
     driver::write(band.radio.profile, band.radio.main.passphrase_key, driver::kWhole,
                   std::string(*passphrase));
   }
-  if (const auto level = request.integer(band.power)) wireless::write_power(band.radio, *level);
+  if (const auto level = request.integer(band.power)) write_power(band.radio, *level);
   if (const auto mode = request.text(band.mode)) {
-    wireless::write_security(band.radio, band.radio.main, *mode, wireless::Tkip::kAccepted);
+    write_security(band.radio, band.radio.main, *mode, Tkip::kAccepted);
   }
   return state;
 }
 
 // Lets the 5 GHz radio take over the other one's hidden flag. Returns that flag.
 std::string follow_hidden(const std::string& state_2g) {
-  const auto hidden = wireless::stored_hidden(wireless::k2G);
-  if (hidden == wireless::stored_hidden(wireless::k5G)) return hidden;
-  config::write(wireless::k5G.main.hidden, hidden);
-  if (state_2g == wireless::kOn) wireless::hide_on_air(wireless::k5G, hidden);
+  auto hidden = stored_hidden(k2G);
+  if (hidden == stored_hidden(k5G)) return hidden;
+  config::write(k5G.main.hidden, hidden);
+  if (state_2g == kOn) hide_on_air(k5G, hidden);
   return hidden;
 }
 
 // Lets the 5 GHz radio take over the other one's switch. Returns the command that applies it; none
 // while the schedule holds the radios off.
 const char* follow_switch(const std::string& state_2g, const std::string& hidden) {
-  const auto& radio = wireless::k5G;
-  const bool leaves_radios_on = wireless::schedule_leaves_radios_on();
+  const auto& radio = k5G;
+  const bool leaves_radios_on = schedule_leaves_radios_on();
   config::write(radio.main.enabled, state_2g);
   if (!leaves_radios_on) return nullptr;
 
   driver::write(radio.profile, "WIFIEnable", radio.main.index, state_2g);
-  if (state_2g == wireless::kOff) {
-    wireless::take_name_away(radio);
+  if (state_2g == kOff) {
+    take_name_away(radio);
     return "wifi_setup.sh wifi_master_disable 5.8G &";
   }
-  wireless::show_name(radio, hidden);
+  show_name(radio, hidden);
   return "wifi_setup.sh wifi_master_arguments 2.4G;wifi_setup.sh wifi_master_enable 5.8G &";
 }
 
@@ -149,18 +139,22 @@ void apply(bool coupled, const std::string& state_2g, const std::string& state_5
 
 void change_both(const Request& request, Reply& reply) {
   if (!is_acceptable(request)) {
-    zelto::log::refused("setwlancfgall");
-    return reply.result(zelto::kFailed);
+    log::refused("setwlancfgall");
+    return reply.result(kFailed);
   }
   const std::string dual(request.text("dualSwitch").value_or(""));
-  if (request.text("dualSwitch")) config::write(wireless::kDualSwitch, dual);
+  if (request.text("dualSwitch")) config::write(kDualSwitch, dual);
   const auto state_2g = store(request, kBand2G);
   const auto state_5g = store(request, kBand5G);
-  reply.result(zelto::kDone);
-  reply.afterwards([=] { apply(dual == wireless::kOn, state_2g, state_5g); });
+  reply.result(kDone);
+  reply.afterwards([=] { apply(dual == kOn, state_2g, state_5g); });
 }
 
 }  // namespace
+}  // namespace zelto::wireless
+
+using namespace zelto;
+using namespace zelto::wireless;
 
 int bs_GetWifiInfoAll(const char* request, char* out) {
   return answer({.type = "getwlancfgall"}, request, out, add_configurations);

@@ -12,19 +12,8 @@
 #include "api/text.h"
 #include "wireless/security.h"
 
+namespace zelto::wireless {
 namespace {
-
-namespace config = zelto::config;
-namespace driver = zelto::driver;
-namespace shell = zelto::shell;
-namespace text = zelto::text;
-namespace wireless = zelto::wireless;
-using wireless::Radio;
-using zelto::answer;
-using zelto::Members;
-using zelto::Object;
-using zelto::Reply;
-using zelto::Request;
 
 void write_element(const Radio& radio, const char* key, const std::string& value) {
   driver::write(radio.profile, key, radio.guest.index, value);
@@ -46,8 +35,8 @@ struct Names {
   const char* ssid;
   const char* passphrase;
 };
-const Names kNames2G = {wireless::k2G, "gssidenable", "gssid", "gpsw"};
-const Names kNames5G = {wireless::k5G, "g5ssidenable", "g5ssid", "g5psw"};
+const Names kNames2G = {k2G, "gssidenable", "gssid", "gpsw"};
+const Names kNames5G = {k5G, "g5ssidenable", "g5ssid", "g5psw"};
 
 int get_visitor(const char* type, const Names& names, const char* request, char* out) {
   return answer({.type = type}, request, out, [&](const Request&, Reply& reply) {
@@ -76,12 +65,12 @@ int change_visitor(const char* type, const Names& names, const Request& request,
   const auto enable = request.integer(names.enable);
   const auto ssid = request.text(names.ssid);
   const auto passphrase = request.text(names.passphrase);
-  if (!enable) return zelto::kFailed;
+  if (!enable) return kFailed;
   const bool on = *enable == 1;
-  if (on && (!ssid || !passphrase)) return zelto::kFailed;
-  if (!wireless::is_text_or_missing(ssid) || !wireless::is_text_or_missing(passphrase)) {
-    zelto::log::refused(type);
-    return zelto::kFailed;
+  if (on && (!ssid || !passphrase)) return kFailed;
+  if (!is_text_or_missing(ssid) || !is_text_or_missing(passphrase)) {
+    log::refused(type);
+    return kFailed;
   }
   const auto state = std::to_string(*enable);
   if (leaves_radios_on) write_element(radio, "WIFIEnable", state);
@@ -92,17 +81,17 @@ int change_visitor(const char* type, const Names& names, const Request& request,
     write_mixed_security(radio);
     config::write(radio.guest.ssid, std::string(*ssid));
   }
-  return zelto::kDone;
+  return kDone;
 }
 
 // The command runs after every answer that the schedule does not forbid, refusals included.
 int set_visitor(const char* type, const Names& names, const char* request, char* out) {
   return answer({.type = type, .accepts_any_type = true}, request, out,
                 [&](const Request& parsed, Reply& reply) {
-                  const bool leaves_radios_on = wireless::schedule_leaves_radios_on();
+                  const bool leaves_radios_on = schedule_leaves_radios_on();
                   reply.result(parsed.type() == type
                                    ? change_visitor(type, names, parsed, leaves_radios_on)
-                                   : zelto::kFailed);
+                                   : kFailed);
                   if (!leaves_radios_on) return;
                   reply.afterwards([&names] {
                     shell::start(std::string("wifi_setup.sh wifi_guest_arguments ") +
@@ -135,22 +124,22 @@ struct Entry {
   const Radio& radio;
   const char* type;
 };
-const std::array kEntries = {Entry{wireless::k2G, "2.4g"}, Entry{wireless::k5G, "5g"}};
+const std::array kEntries = {Entry{k2G, "2.4g"}, Entry{k5G, "5g"}};
 
 void add_entry(const Entry& entry, const GuestFacts& facts, Object object) {
   object.text("type", entry.type);
   object.number("Switch", text::to_int(facts.enabled));
   object.text("ssid", config::read(entry.radio.guest.ssid).value_or(""));
-  object.text("encryption", wireless::web_mode(facts.authentication, facts.cipher));
+  object.text("encryption", web_mode(facts.authentication, facts.cipher));
   object.text("pwd", facts.passphrase);
   object.text("encry_alg", "aes");
   object.text("ssid_hide", config::read(entry.radio.guest.hidden).value_or(""));
 }
 
 void add_guests(const Request& /*request*/, Reply& reply) {
-  const auto facts_2g = read_facts(wireless::k2G);
-  const auto facts_5g = facts_2g ? read_facts(wireless::k5G) : std::nullopt;
-  if (!facts_5g) return reply.result(zelto::kFailed);
+  const auto facts_2g = read_facts(k2G);
+  const auto facts_5g = facts_2g ? read_facts(k5G) : std::nullopt;
+  if (!facts_5g) return reply.result(kFailed);
   auto list = reply.list("list");
   add_entry(kEntries[0], *facts_2g, list.add());
   add_entry(kEntries[1], *facts_5g, list.add());
@@ -173,9 +162,8 @@ std::optional<Guest> parse_guest(const Members& entry) {
   const auto passphrase = entry.text("pwd");
   const auto hidden = entry.text("ssid_hide");
   const auto encryption = entry.text("encryption");
-  if (!state || !ssid || !passphrase || !hidden || !encryption ||
-      !wireless::is_text_or_missing(ssid) || !wireless::is_text_or_missing(passphrase) ||
-      !wireless::is_flag(std::string(*hidden))) {
+  if (!state || !ssid || !passphrase || !hidden || !encryption || !is_text_or_missing(ssid) ||
+      !is_text_or_missing(passphrase) || !is_flag(std::string(*hidden))) {
     return std::nullopt;
   }
   return Guest{std::to_string(*state), std::string(*ssid), std::string(*passphrase),
@@ -183,37 +171,41 @@ std::optional<Guest> parse_guest(const Members& entry) {
 }
 
 void store_guest(const Radio& radio, const Guest& guest, bool leaves_radios_on) {
-  const bool on = guest.state == wireless::kOn;
+  const bool on = guest.state == kOn;
   if (leaves_radios_on) write_element(radio, "WIFIEnable", guest.state);
   config::write(radio.guest.enabled, guest.state);
   config::write(radio.guest.ssid, guest.ssid);
   if (leaves_radios_on) write_ssid(radio, on ? guest.ssid : radio.guest.placeholder);
   write_passphrase(radio, guest.passphrase);
   config::write(radio.guest.hidden, guest.hidden);
-  if (leaves_radios_on) write_element(radio, "HideSSID", on ? guest.hidden : wireless::kOn);
-  wireless::write_security(radio, radio.guest, guest.encryption, wireless::Tkip::kAccepted);
+  if (leaves_radios_on) write_element(radio, "HideSSID", on ? guest.hidden : kOn);
+  write_security(radio, radio.guest, guest.encryption, Tkip::kAccepted);
 }
 
 void change_guests(const Request& request, Reply& reply) {
   const auto list = request.list("list");
-  if (!list || list->size() < kEntries.size()) return reply.result(zelto::kFailed);
+  if (!list || list->size() < kEntries.size()) return reply.result(kFailed);
   const bool in_order = (*list)[0].text("type") == kEntries[0].type;
   const auto guest_2g = parse_guest((*list)[in_order ? 0 : 1]);
   const auto guest_5g = parse_guest((*list)[in_order ? 1 : 0]);
   if (!guest_2g || !guest_5g) {
-    zelto::log::refused("multi_ssid_apply");
-    return reply.result(zelto::kFailed);
+    log::refused("multi_ssid_apply");
+    return reply.result(kFailed);
   }
 
-  const bool leaves_radios_on = wireless::schedule_leaves_radios_on();
-  store_guest(wireless::k2G, *guest_2g, leaves_radios_on);
-  store_guest(wireless::k5G, *guest_5g, leaves_radios_on);
-  reply.result(zelto::kDone);
+  const bool leaves_radios_on = schedule_leaves_radios_on();
+  store_guest(k2G, *guest_2g, leaves_radios_on);
+  store_guest(k5G, *guest_5g, leaves_radios_on);
+  reply.result(kDone);
   if (!leaves_radios_on) return;
   reply.afterwards([] { shell::start("wifi_setup.sh wifi_guest_arguments all &"); });
 }
 
 }  // namespace
+}  // namespace zelto::wireless
+
+using namespace zelto;
+using namespace zelto::wireless;
 
 int bs_GetVisitorInfo(const char* request, char* out) {
   return get_visitor("getvisitorinfo", kNames2G, request, out);

@@ -12,18 +12,8 @@
 #include "api/text.h"
 #include "wireless/security.h"
 
+namespace zelto::wireless {
 namespace {
-
-namespace config = zelto::config;
-namespace driver = zelto::driver;
-namespace shell = zelto::shell;
-namespace text = zelto::text;
-namespace wireless = zelto::wireless;
-using wireless::Radio;
-using zelto::answer;
-using zelto::Command;
-using zelto::Reply;
-using zelto::Request;
 
 // These commands have always kept silent about a text that is not JSON.
 constexpr Command silent(const char* type) {
@@ -38,8 +28,8 @@ struct Names {
   const char* cipher;
   const char* mode;
 };
-const Names kNames2G = {wireless::k2G, "wlanssid", "wlanpsw", "wlanpswencry", "wlanpswmode"};
-const Names kNames5G = {wireless::k5G, "wlan5ssid", "wlan5psw", "wlan5pswencry", "wlan5pswmode"};
+const Names kNames2G = {k2G, "wlanssid", "wlanpsw", "wlanpswencry", "wlanpswmode"};
+const Names kNames5G = {k5G, "wlan5ssid", "wlan5psw", "wlan5pswencry", "wlan5pswmode"};
 
 // ---- getwlancfg, get5wlancfg
 
@@ -48,7 +38,7 @@ std::string read_or_empty(const Radio& radio, const char* key, driver::Index ind
 }
 
 void add_ssid(const Names& names, Reply& reply) {
-  reply.text(names.ssid, config::read(names.radio.main.ssid, wireless::kLongestText).value_or(""));
+  reply.text(names.ssid, config::read(names.radio.main.ssid, kLongestText).value_or(""));
 }
 
 void add_passphrase(const Names& names, Reply& reply) {
@@ -59,7 +49,7 @@ void add_passphrase(const Names& names, Reply& reply) {
 // Both radios by the rows of the 2.4 GHz fields.
 void add_security(const Names& names, Reply& reply) {
   const auto spelled = [&](const char* field, const char* key) {
-    return wireless::web_spelling(field, read_or_empty(names.radio, key, names.radio.main.index));
+    return web_spelling(field, read_or_empty(names.radio, key, names.radio.main.index));
   };
   reply.text(names.cipher, spelled("wlanpswencry", "EncrypType"));
   reply.text(names.mode, spelled("wlanpswmode", "AuthMode"));
@@ -71,22 +61,22 @@ void change_network(const char* type, const Names& names, const Request& request
   const auto& radio = names.radio;
   const auto ssid = request.text(names.ssid);
   const auto passphrase = request.text(names.passphrase);
-  if (!wireless::is_text_or_missing(ssid) || !wireless::is_text_or_missing(passphrase)) {
-    zelto::log::refused(type);
-    return reply.result(zelto::kFailed);
+  if (!is_text_or_missing(ssid) || !is_text_or_missing(passphrase)) {
+    log::refused(type);
+    return reply.result(kFailed);
   }
   if (ssid) {
-    const bool on_air = wireless::switch_state(radio) == wireless::kOn;
-    wireless::store_ssid(radio, radio.main, *ssid, on_air);
+    const bool on_air = switch_state(radio) == kOn;
+    store_ssid(radio, radio.main, *ssid, on_air);
   }
   if (const auto mode = request.text(names.mode)) {
-    wireless::write_security(radio, radio.main, *mode, wireless::Tkip::kRefused);
+    write_security(radio, radio.main, *mode, Tkip::kRefused);
   }
   if (passphrase) {
     driver::write(radio.profile, radio.main.passphrase_key, driver::kWhole,
                   std::string(*passphrase));
   }
-  reply.result(zelto::kDone);
+  reply.result(kDone);
   reply.afterwards([&radio] {
     shell::start(std::string("wifi_setup.sh wifi_master_arguments ") + radio.band + " &");
   });
@@ -114,9 +104,9 @@ struct Switch {
   std::array<const Radio*, 2> radios;  // the second may be null
   const char* band;
 };
-const Switch kSwitch2G = {{&wireless::k2G, nullptr}, "2.4G"};
-const Switch kSwitch5G = {{&wireless::k5G, nullptr}, "5.8G"};
-const Switch kSwitchBoth = {{&wireless::k2G, &wireless::k5G}, "all"};
+const Switch kSwitch2G = {{&k2G, nullptr}, "2.4G"};
+const Switch kSwitch5G = {{&k5G, nullptr}, "5.8G"};
+const Switch kSwitchBoth = {{&k2G, &k5G}, "all"};
 
 template <typename Work>
 void for_each_radio(const Switch& what, const Work& work) {
@@ -126,22 +116,22 @@ void for_each_radio(const Switch& what, const Work& work) {
 }
 
 void switch_radios(const Switch& what, const std::string& state) {
-  const bool leaves_radios_on = wireless::schedule_leaves_radios_on();
+  const bool leaves_radios_on = schedule_leaves_radios_on();
   const bool both = &what == &kSwitchBoth;
-  if (both) config::write(wireless::kDualSwitch, wireless::kOn);
+  if (both) config::write(kDualSwitch, kOn);
   for_each_radio(what, [&](const Radio& radio) { config::write(radio.main.enabled, state); });
-  if (!both) config::write(wireless::kDualSwitch, wireless::kOff);
+  if (!both) config::write(kDualSwitch, kOff);
   if (!leaves_radios_on) return;
 
-  const bool on = state != wireless::kOff;
+  const bool on = state != kOff;
   for_each_radio(what, [&](const Radio& radio) {
     driver::write(radio.profile, "WIFIEnable", radio.main.index, state);
   });
   for_each_radio(what, [&](const Radio& radio) {
     if (on) {
-      wireless::show_name(radio, wireless::stored_hidden(radio));
+      show_name(radio, stored_hidden(radio));
     } else {
-      wireless::take_name_away(radio);
+      take_name_away(radio);
     }
   });
   shell::start(std::string("wifi_setup.sh ") +
@@ -153,10 +143,10 @@ int set_switch(const char* type, const Switch& what, const char* request, char* 
     const auto state = parsed.integer("radioon");
     if (!state) {
       reply.status(-1);
-      return reply.result(zelto::kFailed);
+      return reply.result(kFailed);
     }
     switch_radios(what, std::to_string(*state));
-    reply.result(zelto::kDone);
+    reply.result(kDone);
   });
 }
 
@@ -173,8 +163,8 @@ const What* find_by_type(const std::array<std::pair<std::string_view, const What
 
 // A flag that is there and can be stored; one that cannot is logged.
 bool is_acceptable_flag(const char* member, const std::optional<std::string>& flag) {
-  if (!flag || wireless::is_flag(*flag)) return flag.has_value();
-  zelto::log::refused(member);
+  if (!flag || is_flag(*flag)) return flag.has_value();
+  log::refused(member);
   return false;
 }
 
@@ -184,26 +174,26 @@ void change_switches(const Request& request, Reply& reply) {
   const Switch* what = find_by_type(kTypes, request);
   const auto state = request.text_or_integer("radioon");
   if (what == nullptr || !is_acceptable_flag("radioon", state)) {
-    return reply.result(zelto::kFailed);
+    return reply.result(kFailed);
   }
   switch_radios(*what, *state);
-  reply.result(zelto::kDone);
+  reply.result(kDone);
 }
 
 void add_hidden(const Request& request, Reply& reply) {
   constexpr std::size_t kLongestShown = 63;
   static const std::array<std::pair<std::string_view, const Radio*>, 2> kTypes = {
-      {{"gethide2", &wireless::k2G}, {"gethide5", &wireless::k5G}}};
+      {{"gethide2", &k2G}, {"gethide5", &k5G}}};
   const Radio* radio = find_by_type(kTypes, request);
-  if (radio == nullptr) return reply.result(zelto::kFailed);
+  if (radio == nullptr) return reply.result(kFailed);
   reply.text("enable", config::read(radio->main.hidden, kLongestShown).value_or(""));
 }
 
 void hide(const Radio& radio, const std::string& hidden) {
-  const bool on_air = wireless::switch_state(radio) == wireless::kOn;
+  const bool on_air = switch_state(radio) == kOn;
   config::write(radio.main.hidden, hidden);
   if (!on_air) return;
-  wireless::hide_on_air(radio, hidden);
+  hide_on_air(radio, hidden);
   shell::start(std::string("/sbin/wifi_setup.sh wifi_master_arguments ") + radio.band);
 }
 
@@ -213,14 +203,18 @@ void change_hidden(const Request& request, Reply& reply) {
   const Switch* what = find_by_type(kTypes, request);
   const auto hidden = request.text_or_integer("enable");
   if (what == nullptr || !is_acceptable_flag("enable", hidden)) {
-    return reply.result(zelto::kFailed);
+    return reply.result(kFailed);
   }
   for_each_radio(*what, [&](const Radio& radio) { hide(radio, *hidden); });
-  config::write(wireless::kDualSwitch, what == &kSwitchBoth ? wireless::kOn : wireless::kOff);
-  reply.result(zelto::kDone);
+  config::write(kDualSwitch, what == &kSwitchBoth ? kOn : kOff);
+  reply.result(kDone);
 }
 
 }  // namespace
+}  // namespace zelto::wireless
+
+using namespace zelto;
+using namespace zelto::wireless;
 
 int bs_GetWlanCfg(const char* request, char* out) {
   return answer(silent("getwlancfg"), request, out, [](const Request&, Reply& reply) {
@@ -247,11 +241,11 @@ int bs_Set5WlanCfg(const char* request, char* out) {
 }
 
 int bs_GetWifiStat(const char* request, char* out) {
-  return get_switch("getswitchwifi", wireless::k2G, request, out);
+  return get_switch("getswitchwifi", k2G, request, out);
 }
 
 int bs_Get5WifiStat(const char* request, char* out) {
-  return get_switch("get5switchwifi", wireless::k5G, request, out);
+  return get_switch("get5switchwifi", k5G, request, out);
 }
 
 int bs_SetWifiStat(const char* request, char* out) {

@@ -37,23 +37,13 @@ void write_power(const Radio& radio, int level) {
   driver::write(radio.profile, "PERCENTAGEenable", driver::kWhole, power.is_percentage);
 }
 
-}  // namespace zelto::wireless
-
 namespace {
-
-namespace driver = zelto::driver;
-namespace shell = zelto::shell;
-namespace wireless = zelto::wireless;
-using wireless::Radio;
-using zelto::answer;
-using zelto::Reply;
-using zelto::Request;
 
 int get_power(const char* type, const char* member, const Radio& radio, const char* request,
               char* out) {
   return answer({.type = type}, request, out, [&](const Request&, Reply& reply) {
     const auto stored = driver::read(radio.profile, "TxPower", driver::kWhole);
-    if (const auto level = wireless::power_level(stored.value_or(""))) {
+    if (const auto level = power_level(stored.value_or(""))) {
       reply.number(member, *level);
     }
   });
@@ -66,8 +56,8 @@ int set_power(const char* type, const char* member, const Radio& radio, const ch
                 [&](const Request& parsed, Reply& reply) {
                   const auto level = parsed.integer(member);
                   const bool accepted = parsed.type() == type && level;
-                  if (accepted) wireless::write_power(radio, *level);
-                  reply.result(accepted ? zelto::kDone : zelto::kFailed);
+                  if (accepted) write_power(radio, *level);
+                  reply.result(accepted ? kDone : kFailed);
                   reply.afterwards([&radio] {
                     shell::start(std::string("wifi_setup.sh wifi_txpower ") + radio.band + " &");
                   });
@@ -81,8 +71,8 @@ struct WirelessModes {
   std::array<int, 2> driver_modes;
 };
 const std::array kWirelessModes = {
-    WirelessModes{wireless::k2G, "twoWifiMode", {9, 16}},
-    WirelessModes{wireless::k5G, "fiveWifiMode", {14, 17}},
+    WirelessModes{k2G, "twoWifiMode", {9, 16}},
+    WirelessModes{k5G, "fiveWifiMode", {14, 17}},
 };
 // 802.11b alone, which channel 14 is set to; pages show it as the older mode.
 constexpr int kChannel14Mode = 1;
@@ -90,11 +80,10 @@ constexpr int kChannel14Mode = 1;
 void add_wireless_modes(const Request& /*request*/, Reply& reply) {
   for (const auto& modes : kWirelessModes) {
     const auto stored = driver::read(modes.radio.profile, "WirelessMode", driver::kMain);
-    const int mode = zelto::text::to_int(stored.value_or(""));
+    const int mode = text::to_int(stored.value_or(""));
     if (mode == modes.driver_modes[1]) {
       reply.number(modes.member, 1);
-    } else if (mode == modes.driver_modes[0] ||
-               (mode == kChannel14Mode && &modes.radio == &wireless::k2G)) {
+    } else if (mode == modes.driver_modes[0] || (mode == kChannel14Mode && &modes.radio == &k2G)) {
       reply.number(modes.member, 0);
     }
   }
@@ -105,32 +94,35 @@ void change_wireless_modes(const Request& request, Reply& reply) {
     const int mode = request.integer(modes.member).value_or(0);
     if (mode != 0 && mode != 1) continue;
     const auto value = std::to_string(modes.driver_modes[static_cast<std::size_t>(mode)]);
-    driver::write(modes.radio.profile, "WirelessMode", driver::kMain, value);
-    driver::write(modes.radio.profile, "WirelessMode", driver::kGuest, value);
+    write_mode(modes.radio, value.c_str());
   }
   shell::start("wifi_setup.sh wifi_master_enable all;wifi_setup.sh wifi_guest_arguments all &");
-  reply.result(zelto::kDone);
+  reply.result(kDone);
 }
 
 // The trace of "setWifiMode" carries this line for good: log readers look for it.
 constexpr int kTracedLine = 15033;
 
 }  // namespace
+}  // namespace zelto::wireless
+
+using namespace zelto;
+using namespace zelto::wireless;
 
 int bs_GetPaMode(const char* request, char* out) {
-  return get_power("getpamode", "pamode", wireless::k2G, request, out);
+  return get_power("getpamode", "pamode", k2G, request, out);
 }
 
 int bs_GetPa5Mode(const char* request, char* out) {
-  return get_power("getpa5mode", "pa5mode", wireless::k5G, request, out);
+  return get_power("getpa5mode", "pa5mode", k5G, request, out);
 }
 
 int bs_SetPaMode(const char* request, char* out) {
-  return set_power("setpamode", "pamode", wireless::k2G, request, out);
+  return set_power("setpamode", "pamode", k2G, request, out);
 }
 
 int bs_SetPa5Mode(const char* request, char* out) {
-  return set_power("setpa5mode", "pa5mode", wireless::k5G, request, out);
+  return set_power("setpa5mode", "pa5mode", k5G, request, out);
 }
 
 int bs_GetWifiMode(const char* request, char* out) {
@@ -143,7 +135,7 @@ int bs_SetWifiMode(const char* request, char* out) {
                 out, [out](const Request& parsed, Reply& reply) {
                   change_wireless_modes(parsed, reply);
                   reply.afterwards([out] {
-                    zelto::console::trace("bs_SetWifiMode", std::string("out:") + out, kTracedLine);
+                    console::trace("bs_SetWifiMode", std::string("out:") + out, kTracedLine);
                   });
                 });
 }

@@ -101,6 +101,23 @@ void hide_on_air(const Radio& radio, const std::string& hidden) {
              shell::inside_double_quotes(hidden) + "\"");
 }
 
+void write_mode(const Radio& radio, const char* mode) {
+  driver::write(radio.profile, "WirelessMode", driver::kMain, mode);
+  driver::write(radio.profile, "WirelessMode", driver::kGuest, mode);
+}
+
+void settle_channel_14(const std::string& new_channel) {
+  constexpr int kChannel14 = 14;
+  constexpr const char* kModeOfChannel14 = "1";  // 802.11b is all that is allowed there
+  constexpr const char* kModeOfOthers = "9";
+  const auto before = driver::read(k2G.profile, "Channel", driver::kWhole).value_or("");
+  if (text::to_int(new_channel) == kChannel14) {
+    write_mode(k2G, kModeOfChannel14);
+  } else if (text::to_int(before) == kChannel14) {
+    write_mode(k2G, kModeOfOthers);
+  }
+}
+
 std::string web_spelling(const char* field, const std::string& stored) {
   std::array<char, ZELTO_FIELD_VALUE_SIZE> value{};
   text::copy(stored, value.data(), value.size());

@@ -68,6 +68,13 @@ std::string stored_hidden(const Radio& radio);
 // Sets the main network's hidden flag in the driver, and on the running radio at once.
 void hide_on_air(const Radio& radio, const std::string& hidden);
 
+// Writes the 802.11 mode of both networks.
+void write_mode(const Radio& radio, const char* mode);
+
+// To be called before the 2.4 GHz radio's channel is written: channel 14 has a mode of its own,
+// which the radio must leave with it.
+void settle_channel_14(const std::string& new_channel);
+
 // A driver's value in the spelling of web pages, by the rows of a 2.4 GHz field: both radios use
 // those.
 std::string web_spelling(const char* field, const std::string& stored);
