@@ -69,7 +69,7 @@ int terminalnumber() {
   return guarded(0, [] {
     const auto devices = terminals::read();
     if (devices.outcome == terminals::Outcome::kNotLocked) {
-      std::fputs("flock for terminalnumber failed!\n", stderr);
+      std::fprintf(stderr, "flock for terminalnumber failed!\n");
     }
     return static_cast<int>(devices.lines.size());
   });

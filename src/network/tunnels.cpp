@@ -77,7 +77,7 @@ void add_tunnel(const Tunnel& tunnel, Reply& reply) {
   const auto state = config::read(stored(tunnel, kSwitch));
   if (!state) return add_defaults(reply);
   const auto add = [&](const Setting& setting) {
-    const auto value = config::read(stored(tunnel, setting)).value_or(setting.fallback);
+    auto value = config::read(stored(tunnel, setting)).value_or(setting.fallback);
     reply.text(setting.member, value);
     return value;
   };

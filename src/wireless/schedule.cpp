@@ -70,7 +70,9 @@ void change_schedule(const Request& request, Reply& reply) {
 
 void change_switch(const Request& request, Reply& reply) {
   const auto state = request.text("Switch");
-  if (!state || !text::is_storable(*state, config::kLongestValue)) {
+  if (!state) return reply.result(kFailed);
+  if (!text::is_storable(*state, config::kLongestValue)) {
+    log::refused("wifi_schedule_switch");
     return reply.result(kFailed);
   }
   config::write(kSwitch, std::string(*state));
