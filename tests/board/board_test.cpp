@@ -121,6 +121,44 @@ TEST_F(Board, FirmwareToolsAnswerFromTheBoardsState) {
   EXPECT_EQ(output("wan_check -I eth0.2"), "pppoe\n");
 }
 
+// The firmware takes the router to where its configuration and profiles say, as far as cable and
+// air allow.
+TEST_F(Board, UplinksFollowCableAirAndConfiguration) {
+  board::write_file("/var/board/switch-83", "1f\n");
+  EXPECT_EQ(output("wan_check -I eth0.2"), "") << "no cable";
+
+  EXPECT_EQ(output("uci set network.lan.ipaddr=192.168.20.1; uci set network.wan.proto=static;"
+                   "uci set network.wan.ipaddr=10.9.0.2; uci set network.wan.netmask=255.255.0.0;"
+                   "uci set network.wan.gateway=10.9.0.1; /etc/init.d/network restart;"
+                   "(ip -o -4 addr show br-lan; ip -o -4 addr show eth0.2) | awk '{print $4}';"
+                   "route -n | awk '$1 == \"0.0.0.0\" {print $2}'"),
+            "192.168.20.1/24\n10.9.0.2/16\n10.9.0.1\n");
+
+  const struct {
+    const char* interface;
+    const char* chip;
+    const char* name;
+    const char* mode;
+    const char* seen;  // the network joined, and the client's address
+  } cases[] = {
+      {"apcli0", "mt7628", "Cafe Upstairs", "wisp", "Cafe Upstairs\n100.64.20.2/24\n"},
+      {"apcli0", "mt7628", "Cafe", "wisp", ""},
+      {"apclii0", "mt7663", "Office", "repeater", "Office\n"},
+      {"apclii0", "mt7663", "Office", "wisp", "Office\n100.64.30.2/24\n"},
+      {"apclii0", "mt7663", "", "wisp", ""},
+  };
+  for (const auto& c : cases) {
+    const std::string client = c.interface;
+    output("sed -i 's/^ApCliSsid=.*/ApCliSsid=" + std::string(c.name) + "/' /etc/wireless/" +
+           c.chip + "/" + c.chip + ".dat; uci set system.route.operationmode=" + c.mode +
+           "; wifi_connect.sh " + client);
+    EXPECT_EQ(output("{ cat /var/board/joined-" + client + "; ip -o -4 addr show " + client +
+                     "; } 2> /dev/null | sed 's/.* inet \\([^ ]*\\).*/\\1/'"),
+              c.seen)
+        << client << " " << c.name;
+  }
+}
+
 TEST_F(Board, ToolsOfTheFirmwareNoteTheirWorkInsteadOfHarming) {
   start_detached(
       "sleep 2;firstboot -y;/etc/init.d/Zelto_Cloud stop;sleep 1;reboot -f;"
