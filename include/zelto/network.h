@@ -712,6 +712,84 @@ ZELTO_API int bs_GetRouteStatus(const char* request, char* out);
  */
 ZELTO_API int bs_GetNetworkDiagnosisInfo(const char* request, char* out);
 
+/* ---- Port forwarding ------------------------------------------------------------------------ */
+
+/**
+ * The port forwarding rules, from /etc/port_forward_list.
+ *
+ * @command  getforwarding
+ * @reply    list array  objects in the order of the file: name string, ip string (a LAN host, or
+ *           "all"), sublist array of objects: lanport string, wanport string, protocol string. What
+ *           does not fit the reply is left out, and logged
+ * @result   none on success
+ * @result   1 wrong or missing "type"
+ * @unparsed -1, logs "json is NULL"
+ * @effects  none
+ * @example  {"type":"getforwarding"} => {"type":"getforwarding","list":[]}
+ */
+ZELTO_API int bs_GetForwardingInfo(const char* request, char* out);
+
+/**
+ * Adds, changes or removes a port forwarding rule, in the list and in the firewall's sections
+ * redirect0, redirect1, ...
+ *
+ * Every copy under "name" and "name_old" is removed first. A rule has a name and an address without
+ * blank or ";"; ports hold at most 47 characters, protocol words 23, the whole line 318. A rule
+ * that does not fit is refused whole: nothing is changed. Sections from redirect65 on are not
+ * found.
+ *
+ * @command  setforwarding
+ * @request  enable string|number optional  "1" or 1 adds the rule; anything else only removes
+ * @request  name string required to add  the rule's name, at most 189 bytes
+ * @request  name_old string optional  the name it had before
+ * @request  ip string required to add  LAN host, or "all"
+ * @request  list0 string optional  a mapping: WAN port, comma, LAN port, comma, protocol ("TCP",
+ *           "UDP", any other word means both); and so on with list1, list2, ... up to the first
+ *           that is missing
+ * @reply    result number
+ * @result   0 done
+ * @result   1 wrong or missing "type", or a rule that is refused; or the list cannot be added to
+ *           (logged, "fopen /etc/port_forward_list for add error!"): copies are removed already
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  for each of the two names run mv /tmp/port_forward_list /etc/port_forward_list; uci del
+ *           firewall.redirectN
+ * @effects  for each mapping uci add firewall.redirectN=redirect, uci set target, src, dest,
+ *           src_dport, dest_port, name, proto, dest_ip (not for "all")
+ * @effects  start /etc/init.d/firewall restart &
+ * @example  {"type":"setforwarding","enable":"1","name":"web server","ip":"192.168.10.20",
+ *           "list0":"8080,80,TCP"} => {"type":"setforwarding","result":0}
+ */
+ZELTO_API int bs_SetForwardingInfo(const char* request, char* out);
+
+/**
+ * Looks for a rule in the list.
+ *
+ * @param[in] name  in base64, as the list has it
+ * @retval 1  there is one
+ * @retval 0  there is none, or the list cannot be opened (logged)
+ */
+ZELTO_API int forward_name_exist(const char* name);
+
+/**
+ * Removes the rules of a name from the list.
+ *
+ * @param[in] name  in base64, as the list has it
+ * @retval 1  the list was rewritten
+ * @retval 0  it could not be (logged)
+ */
+ZELTO_API int forward_name_del(const char* name);
+
+/** Finds a section for a new mapping. @return the lowest n for which there is no redirectN */
+ZELTO_API int get_new_redirect_id(void);
+
+/**
+ * Finds a section of a rule.
+ *
+ * @param[in] name  in base64, as the section has it
+ * @return the lowest n from 0 to 64 for which redirectN has the name; -1 when none has
+ */
+ZELTO_API int get_exist_redirect_id(const char* name);
+
 #ifdef __cplusplus
 }
 #endif

@@ -6,6 +6,44 @@
 #include "api/text.h"
 
 namespace zelto::terminals {
+namespace {
+
+constexpr char kBlank = ' ';
+
+std::string_view take_first(std::string_view& rest) {
+  rest.remove_prefix(std::min(rest.find_first_not_of(kBlank), rest.size()));
+  const auto word = text::split_first(rest, kBlank).first;
+  rest.remove_prefix(word.size());
+  return word;
+}
+
+std::string_view without_blanks_around(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(kBlank), text.size()));
+  return text.substr(0, text.find_last_not_of(kBlank) + 1);
+}
+
+std::string_view take_last(std::string_view& rest) {
+  rest = without_blanks_around(rest);
+  const auto blank = rest.rfind(kBlank);
+  if (blank == std::string_view::npos) return {};  // what is left is the name
+  const auto word = rest.substr(blank + 1);
+  rest = rest.substr(0, blank);
+  return word;
+}
+
+}  // namespace
+
+Terminal parse(std::string_view line) {
+  Terminal terminal;
+  for (auto* field : {&terminal.ip, &terminal.mac, &terminal.seconds, &terminal.down_rate,
+                      &terminal.up_rate, &terminal.interface}) {
+    *field = take_first(line);
+  }
+  terminal.up_total = take_last(line);
+  terminal.down_total = take_last(line);
+  terminal.name = without_blanks_around(line);
+  return terminal;
+}
 
 Lines read() {
   constexpr std::size_t kAnyLength = std::numeric_limits<std::size_t>::max();
@@ -22,11 +60,6 @@ Lines read() {
     if (!content.empty()) result.lines.emplace_back(content);
   }
   return result;
-}
-
-std::string_view field(std::string_view line, int n) {
-  for (; n > 1; --n) line = text::split_first(line, ' ').second;
-  return text::split_first(line, ' ').first;
 }
 
 }  // namespace zelto::terminals

@@ -8,6 +8,21 @@
 
 namespace zelto::terminals {
 
+// A line's fields; those that a short line lacks are empty. The name may hold blanks.
+struct Terminal {
+  std::string_view ip;
+  std::string_view mac;
+  std::string_view seconds;  // connected
+  std::string_view down_rate;
+  std::string_view up_rate;
+  std::string_view interface;
+  std::string_view name;
+  std::string_view down_total;
+  std::string_view up_total;
+};
+
+Terminal parse(std::string_view line);
+
 enum class Outcome {
   kRead,
   kNoList,      // the list cannot be opened
@@ -22,8 +37,5 @@ struct Lines {
 
 // Reads the list while holding the lock that its writer takes.
 Lines read();
-
-// The n-th blank-separated field of a line, from 1; empty when it has fewer.
-std::string_view field(std::string_view line, int n);
 
 }  // namespace zelto::terminals

@@ -51,6 +51,12 @@ bool remove_section(const char* package, const std::string& section) {
   return easy_uci_delete_section(package, section.c_str()) != kStoreFailed;
 }
 
+bool section_exists(const char* package, const std::string& section) {
+  std::array<char, kNameSize> type{};
+  return easy_uci_get_section_type(package, section.c_str(), type.data(),
+                                   static_cast<int>(type.size())) != kStoreFailed;
+}
+
 std::optional<std::string> section_of_type(const char* package, const char* type, int n) {
   std::array<char, kNameSize> name{};
   if (easy_uci_get_nth_section_of_type(package, type, n, name.data()) != 0) return std::nullopt;

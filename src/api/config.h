@@ -35,6 +35,8 @@ void add_section(const char* package, const char* type, const char* name);
 void remove(const Option& option);
 bool remove_section(const char* package, const std::string& section);
 
+bool section_exists(const char* package, const std::string& section);
+
 // The name of the n-th section of a type, from 0; nothing when there are fewer.
 std::optional<std::string> section_of_type(const char* package, const char* type, int n);
 

@@ -33,6 +33,14 @@ std::optional<std::string> read_all(const char* path) {
   return content;
 }
 
+// An error of the buffered writes shows at the latest when they are flushed.
+bool write_all(const char* path, std::string_view content, const char* mode) {
+  auto file = open(path, mode);
+  if (!file) return false;
+  const bool written = std::fwrite(content.data(), 1, content.size(), file.get()) == content.size();
+  return std::fclose(file.release()) == 0 && written;
+}
+
 void remove(const char* path) {
   unlink(path);
 }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace zelto::files {
 
@@ -23,6 +24,9 @@ std::optional<std::string> read_line(std::FILE* file, std::size_t longest);
 
 // All of a file; nothing when it cannot be opened.
 std::optional<std::string> read_all(const char* path);
+
+// Gives a file, new or old, this content; false when not all of it could be written.
+bool write_all(const char* path, std::string_view content, const char* mode = "we");
 
 void remove(const char* path);
 

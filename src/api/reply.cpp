@@ -38,6 +38,16 @@ void Object::number(const char* member, double value) {
   add(member, cJSON_CreateNumber(value));
 }
 
+List Object::list(const char* member) {
+  return List(add_array(member));
+}
+
+cJSON* Object::add_array(const char* member) {
+  cJSON* array = existing(cJSON_CreateArray());
+  add(member, array);
+  return array;
+}
+
 void Object::add(const char* member, cJSON* item) {
   // The key is a constant, so the tree may refer to it instead of copying it.
   if (item == nullptr || cJSON_AddItemToObjectCS(object_, member, item) == 0) {
@@ -59,10 +69,8 @@ Reply::~Reply() {
 }
 
 List Reply::list(const char* member) {
-  cJSON* array = existing(cJSON_CreateArray());
-  add(member, array);
-  last_list_ = array;
-  return List(array);
+  last_list_ = add_array(member);
+  return List(last_list_);
 }
 
 void Reply::run_effects() const {

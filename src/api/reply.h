@@ -13,6 +13,8 @@ namespace zelto {
 inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
 
+class List;
+
 // An object of a reply. Members are added as they come; a name may occur twice and must be a
 // constant.
 class Object {
@@ -21,8 +23,10 @@ class Object {
 
   void text(const char* member, std::string_view value);
   void number(const char* member, double value);
+  List list(const char* member);
 
  protected:
+  cJSON* add_array(const char* member);
   void add(const char* member, cJSON* item);
 
   cJSON* object_;
@@ -49,7 +53,7 @@ class Reply : public Object {
 
   void result(int value) { number("result", value); }
 
-  // An array, which print() may shorten when it is the last one of the reply.
+  // An array that print() may shorten when it is the last one of the reply.
   List list(const char* member);
 
   // What the handler returns, when that is not 0.

@@ -1,6 +1,8 @@
 // The command table. A null handler is a command that is not there yet.
 
+#include <zelto/access.h>
 #include <zelto/network.h>
+#include <zelto/services.h>
 #include <zelto/system.h>
 #include <zelto/wireless.h>
 #include <zelto/zeltoapi.h>
@@ -9,7 +11,7 @@ CommandEntry zelto_handle[ZELTO_COMMAND_COUNT] = {
     {"loginauth", bs_loginauth},
     {"getrouterinfo", bs_GetRouteInfo},
     {"getlanguage", bs_getLanguage_info},
-    {"getclientnum", nullptr},
+    {"getclientnum", bs_ClientNum_info},
     {"get4gbasicinfo", nullptr},
     {"getheartbeat", bs_GetHeartBeat},
     {"getwancfg", bs_GetWanCfg},
@@ -44,22 +46,22 @@ CommandEntry zelto_handle[ZELTO_COMMAND_COUNT] = {
     {"sethideall", bs_SetSSIDHide},
     {"setchannelall", bs_SetChannelAll},
     {"getchannelall", bs_GetChannelAll},
-    {"getterminallist", nullptr},
+    {"getterminallist", bs_GetTerminalList},
     {"getl2tpinfo", bs_GetL2tpInfo},
     {"getpptpinfo", bs_GetPptpInfo},
     {"setpptpinfo", bs_SetPptpInfo},
     {"setl2tpinfo", bs_SetL2tpInfo},
-    {"getparentalinfo", nullptr},
-    {"setparentalinfo", nullptr},
-    {"setparentalswitch", nullptr},
-    {"getforwarding", nullptr},
-    {"setforwarding", nullptr},
+    {"getparentalinfo", bs_GetParentalInfo},
+    {"setparentalinfo", bs_SetParentalInfo},
+    {"setparentalswitch", bs_SetParentalSwitch},
+    {"getforwarding", bs_GetForwardingInfo},
+    {"setforwarding", bs_SetForwardingInfo},
     {"getipv6info", bs_GetIPV6Info},
     {"setipv6info", bs_SetIPV6Info},
-    {"setalias", nullptr},
+    {"setalias", bs_SetAlias},
     {"seteasycfg", bs_SetEasyInfo},
-    {"getblacklist", nullptr},
-    {"setmacblack", nullptr},
+    {"getblacklist", bs_GetBlackList},
+    {"setmacblack", bs_SetMacBlack},
     {"getapninfo", nullptr},
     {"setapninfo", nullptr},
     {"get4gflowassistant", nullptr},
@@ -97,8 +99,8 @@ CommandEntry zelto_handle[ZELTO_COMMAND_COUNT] = {
     {"set_upnp_info", nullptr},
     {"getiptvinfo", bs_GetIptvInfo},
     {"setiptvinfo", bs_SetIptvInfo},
-    {"getqos", nullptr},
-    {"setqos", nullptr},
+    {"getqos", bs_GetQosInfo},
+    {"setqos", bs_SetQosInfo},
     {"getpamode", bs_GetPaMode},
     {"setpamode", bs_SetPaMode},
     {"getpa5mode", bs_GetPa5Mode},

@@ -80,6 +80,11 @@ std::pair<std::string, std::string> two_words(std::string_view text) {
   return {std::move(first), std::string(take_word(text))};
 }
 
+std::pair<std::string_view, std::string_view> first_word(std::string_view text) {
+  const auto word = take_word(text);
+  return {word, text};
+}
+
 std::pair<std::string_view, std::string_view> split_first(std::string_view text, char separator) {
   const auto position = text.find(separator);
   if (position == std::string_view::npos) return {text, {}};

@@ -21,6 +21,9 @@ std::string_view without_line_end(std::string_view text);
 // The first two words of a text, as "%s %s" reads them; a missing one is empty.
 std::pair<std::string, std::string> two_words(std::string_view text);
 
+// The first word of a text and what stands behind it.
+std::pair<std::string_view, std::string_view> first_word(std::string_view text);
+
 // What stands before the first and behind the first `separator`; all and nothing without one.
 std::pair<std::string_view, std::string_view> split_first(std::string_view text, char separator);
 

@@ -18,7 +18,6 @@ namespace {
 
 constexpr config::Option kOwnAddress = {"network", "wan", "defmacaddr"};
 constexpr std::size_t kLongestAddress = 31;
-constexpr int kMacField = 2;
 
 std::string current_address() {
   return interface::hardware_address("eth0.2").value_or("");
@@ -38,7 +37,7 @@ void add_sources(const Request& /*request*/, Reply& reply) {
   if (devices.outcome != terminals::Outcome::kRead) return;
   auto list = reply.list("list");
   for (const auto& line : devices.lines) {
-    list.add().text("mac", terminals::field(line, kMacField));
+    list.add().text("mac", terminals::parse(line).mac);
   }
 }
 

@@ -54,7 +54,7 @@ int add_entry(const std::string& period, const std::string& week, const std::str
     log::refused("wifi_schedule_apply");
     return kFailed;
   }
-  return report(list_file::add_once(kSchedule, record), kNotAdded);
+  return report(list_file::add_once(list_file::ChangeLock(), kSchedule, record), kNotAdded);
 }
 
 void change_schedule(const Request& request, Reply& reply) {
@@ -65,7 +65,8 @@ void change_schedule(const Request& request, Reply& reply) {
   if (!action) return reply.result(kFailed);
   if (*action == "add") return reply.result(add_entry(period, week, record));
   const auto differs = [&](const std::string& other) { return other != record; };
-  reply.result(report(list_file::rewrite(kSchedule, differs), kNotRewritten));
+  reply.result(
+      report(list_file::rewrite(list_file::ChangeLock(), kSchedule, differs), kNotRewritten));
 }
 
 void change_switch(const Request& request, Reply& reply) {

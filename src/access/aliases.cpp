@@ -1,0 +1,67 @@
+// Friendly names of devices. The service that lists the devices reads them.
+
+#include <string>
+
+#include <zelto/access.h>
+
+#include "api/boundary.h"
+#include "api/envelope.h"
+#include "api/list_file.h"
+#include "api/log.h"
+#include "api/text.h"
+
+namespace zelto {
+namespace {
+
+using list_file::ChangeLock;
+using list_file::Outcome;
+
+constexpr ListFile kAliases = {
+    .path = "/etc/mac_alias_list",
+    .work_path = "/tmp/mac_alias_list",
+    .replacement = "mv /tmp/mac_alias_list /etc/mac_alias_list",
+    .shortest = 17,
+};
+constexpr std::size_t kLongestMac = 23;
+constexpr std::size_t kLongestLine = 319;  // what readers take, the line end included
+
+bool remove_alias(const ChangeLock& lock, const std::string& mac) {
+  const auto outcome = list_file::rewrite(lock, kAliases, [&](const std::string& record) {
+    return text::two_words(record).first != mac;
+  });
+  if (outcome == Outcome::kNotRead) log::error("fopen /etc/mac_alias_list for del error!\n");
+  if (outcome == Outcome::kNotWritten) log::error("fopen /tmp/mac_alias_list for del error!\n");
+  return outcome == Outcome::kDone;
+}
+
+int change(const Request& request) {
+  const auto mac = request.text("mac");
+  const auto alias = request.text("alias");
+  if (!mac || !alias) return kFailed;
+  const auto record = std::string(*mac) + " " + std::string(*alias);
+  if (!list_file::is_word(*mac, kLongestMac) || !list_file::is_rest(*alias, kLongestLine) ||
+      record.size() + 1 < kAliases.shortest || record.size() + 1 > kLongestLine) {
+    log::refused("setalias");
+    return kFailed;
+  }
+  const ChangeLock lock;
+  remove_alias(lock, std::string(*mac));
+  if (list_file::append(lock, kAliases, record) == Outcome::kDone) return kDone;
+  log::error("fopen /etc/mac_alias_list for add error!\n");
+  return kFailed;
+}
+
+}  // namespace
+}  // namespace zelto
+
+using namespace zelto;
+
+int alias_name_del(const char* mac) {
+  if (mac == nullptr) return 0;
+  return guarded(0, [&] { return remove_alias(ChangeLock(), mac) ? 1 : 0; });
+}
+
+int bs_SetAlias(const char* request, char* out) {
+  return answer({.type = "setalias"}, request, out,
+                [](const Request& parsed, Reply& reply) { reply.result(change(parsed)); });
+}
