@@ -20,7 +20,6 @@ using testing::IsEmpty;
 using zelto_test::ask;
 using zelto_test::call;
 using zelto_test::command;
-using zelto_test::done;
 using zelto_test::failed;
 using zelto_test::kBands;
 using zelto_test::kWhole;
@@ -153,7 +152,7 @@ void run_up_to_the_reply(CommandHandler handler, const std::string& request) {
   ASSERT_NE(out, MAP_FAILED);
   const pid_t child = fork();
   if (child == 0) {
-    signal(SIGSEGV, [](int) { _exit(kDiedWriting); });
+    static_cast<void>(signal(SIGSEGV, [](int) { _exit(kDiedWriting); }));
     handler(request.c_str(), static_cast<char*>(out));
     _exit(0);
   }
