@@ -21,6 +21,7 @@ constexpr ListFile kAliases = {
     .work_path = "/tmp/mac_alias_list",
     .replacement = "mv /tmp/mac_alias_list /etc/mac_alias_list",
     .shortest = 17,
+    .rewrites_whole = true,
 };
 constexpr std::size_t kLongestMac = 23;
 constexpr std::size_t kLongestLine = 319;  // what readers take, the line end included

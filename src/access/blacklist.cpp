@@ -26,6 +26,7 @@ constexpr ListFile kBlacklist = {
     .work_path = "/tmp/blacklist",
     .replacement = "mv /tmp/blacklist /etc/blacklist",
     .shortest = 17,
+    .rewrites_whole = true,
 };
 // The user's own lines stand in the script beside ours, and must come through a rewrite unharmed.
 constexpr ListFile kFirewallScript = {
@@ -33,7 +34,7 @@ constexpr ListFile kFirewallScript = {
     .work_path = "/tmp/firewall.user",
     .replacement = "mv /tmp/firewall.user /etc/firewall.user",
     .shortest = 0,
-    .has_free_text = true,
+    .rewrites_whole = true,
 };
 constexpr std::size_t kLongestMac = 23;
 constexpr std::size_t kLongestLine = 127;  // what readers take, the line end included

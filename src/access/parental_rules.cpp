@@ -42,7 +42,7 @@ constexpr RejectFile kRemoval = {"/tmp/parental_reject_mac_del",
                                  "fopen /tmp/parental_reject_mac_del for read error!\n",
                                  "fopen /tmp/parental_reject_mac_del for write error!\n"};
 
-using Values = std::initializer_list<std::pair<const char*, std::string>>;
+using Values = std::initializer_list<std::pair<const char*, std::string_view>>;
 
 void add_section(const std::string& name, Values values) {
   config::add_section("firewall", "rule", name.c_str());

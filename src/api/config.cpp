@@ -27,15 +27,19 @@ std::optional<std::string> read(const Option& option, std::size_t longest) {
   return std::string(text::in_buffer(buffer.data(), buffer.size()).substr(0, longest));
 }
 
-bool write(const Option& option, const std::string& value) {
-  return text::is_storable(value, kBufferSize - 1) &&
-         easy_uci_set_option_string(option.package, option.section, option.name, value.c_str()) !=
-             kStoreFailed;
+std::string read_or_empty(const Option& option, std::size_t longest) {
+  return read(option, longest).value_or("");
 }
 
-bool write_or_log(const Option& option, const std::string& value, const char* what) {
+bool write(const Option& option, std::string_view value) {
+  return text::is_storable(value, kBufferSize - 1) &&
+         easy_uci_set_option_string(option.package, option.section, option.name,
+                                    std::string(value).c_str()) != kStoreFailed;
+}
+
+bool write_or_log(const Option& option, std::string_view value, const char* what) {
   if (write(option, value)) return true;
-  log::error(text::format("set %s to %s failed!\n", what, value.c_str()));
+  log::error(text::format("set %s to %s failed!\n", what, std::string(value).c_str()));
   return false;
 }
 

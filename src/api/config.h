@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace zelto::config {
 
@@ -24,11 +25,14 @@ inline constexpr std::size_t kLongestValue = 127;
 // failed read.
 std::optional<std::string> read(const Option& option, std::size_t longest = kLongestValue);
 
+// The same with the empty text for a failed read.
+std::string read_or_empty(const Option& option, std::size_t longest = kLongestValue);
+
 // Stores a value; false when it failed. A value with a line break is never stored.
-bool write(const Option& option, const std::string& value);
+bool write(const Option& option, std::string_view value);
 
 // The same with one log line for a failure: "set <what> to <value> failed!".
-bool write_or_log(const Option& option, const std::string& value, const char* what);
+bool write_or_log(const Option& option, std::string_view value, const char* what);
 
 // A null name adds an anonymous section.
 void add_section(const char* package, const char* type, const char* name);

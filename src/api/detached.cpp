@@ -83,9 +83,10 @@ __attribute__((no_sanitize("address", "thread", "undefined"))) int leave_session
 
 }  // namespace
 
-bool start(const std::string& command) {
+bool start(std::string_view command) {
+  const std::string text(command);
   Launch launch;  // its stacks stay unwritten: clearing them would cost as much as the spawn
-  launch.command = command.c_str();
+  launch.command = text.c_str();
   sigset_t all;
   sigset_t before;
   sigfillset(&all);

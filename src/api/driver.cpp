@@ -20,6 +20,10 @@ std::optional<std::string> read(const Profile& profile, const char* key, Index i
   return std::string(text::in_buffer(value.data(), value.size()));
 }
 
+std::string read_or_empty(const Profile& profile, const char* key, Index index) {
+  return read(profile, key, index).value_or("");
+}
+
 std::optional<std::string> read_or_log(const Profile& profile, const char* key, Index index) {
   auto value = read(profile, key, index);
   if (!value) log::error(text::format("lib_conf_get_%s %s failed!\n", profile.name, key));
@@ -35,11 +39,11 @@ bool read_all_or_log(const Profile& profile, std::initializer_list<Wanted> wante
   return true;
 }
 
-void write(const Profile& profile, const char* key, Index index, const std::string& value) {
-  profile.set(key, index, value.c_str());
+void write(const Profile& profile, const char* key, Index index, std::string_view value) {
+  profile.set(key, index, std::string(value).c_str());
 }
 
-bool is_element(const std::string& value, std::size_t longest) {
+bool is_element(std::string_view value, std::size_t longest) {
   return text::is_storable(value, longest) && value.find(';') == std::string::npos;
 }
 

@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace zelto::driver {
 
@@ -22,7 +23,10 @@ enum Index : int { kWhole = -1, kMain = 0, kGuest = 1 };
 // The value; nothing when the read failed, which an absent key is but an empty value is not.
 std::optional<std::string> read(const Profile& profile, const char* key, Index index);
 
-// The same with one log line for a failure: "lib_conf_get_2G <key> failed!".
+// The same with the empty text for a failed read.
+std::string read_or_empty(const Profile& profile, const char* key, Index index);
+
+// As read(), with one log line for a failure: "lib_conf_get_2G <key> failed!".
 std::optional<std::string> read_or_log(const Profile& profile, const char* key, Index index);
 
 // A value to read, and where to.
@@ -36,10 +40,10 @@ struct Wanted {
 bool read_all_or_log(const Profile& profile, std::initializer_list<Wanted> wanted);
 
 // Stores a value. A driver that does not take it has nobody to be told.
-void write(const Profile& profile, const char* key, Index index, const std::string& value);
+void write(const Profile& profile, const char* key, Index index, std::string_view value);
 
 // Whether the profile can hold a text as a network's element: at most `longest` bytes, no line
 // break, and no semicolon, which separates elements.
-bool is_element(const std::string& value, std::size_t longest);
+bool is_element(std::string_view value, std::size_t longest);
 
 }  // namespace zelto::driver

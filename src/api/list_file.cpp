@@ -18,6 +18,18 @@ bool ends_within_a_line(const char* path) {
   return file && std::fseek(file.get(), -1, SEEK_END) == 0 && std::getc(file.get()) != '\n';
 }
 
+std::optional<std::vector<std::string>> read_records(const ListFile& list, bool is_whole) {
+  const auto file = files::open(list.path);
+  if (!file) return std::nullopt;
+  std::vector<std::string> records;
+  while (const auto line = files::read_line(file.get(), kAnyLength)) {
+    if (line->size() < list.shortest) continue;
+    const bool keeps_end = is_whole && line->back() != '\n';
+    records.emplace_back(keeps_end ? *line : text::without_last(*line));
+  }
+  return records;
+}
+
 bool is_control(char c) {
   return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
 }
@@ -29,15 +41,11 @@ ChangeLock::ChangeLock() : file_(files::open(kLockFile, "ae")) {
 }
 
 std::optional<std::vector<std::string>> read(const ListFile& list) {
-  const auto file = files::open(list.path);
-  if (!file) return std::nullopt;
-  std::vector<std::string> records;
-  while (const auto line = files::read_line(file.get(), kAnyLength)) {
-    if (line->size() < list.shortest) continue;
-    const bool keeps_end = list.has_free_text && line->back() != '\n';
-    records.emplace_back(keeps_end ? *line : text::without_last(*line));
-  }
-  return records;
+  return read_records(list, /*is_whole=*/false);
+}
+
+std::optional<std::vector<std::string>> read_whole(const ListFile& list) {
+  return read_records(list, /*is_whole=*/true);
 }
 
 Outcome append(const ChangeLock& lock, const ListFile& list, const std::string& record) {
@@ -55,7 +63,7 @@ Outcome add_once(const ChangeLock& lock, const ListFile& list, const std::string
 
 Outcome rewrite(const ChangeLock& lock, const ListFile& list,
                 const std::function<bool(const std::string&)>& keep) {
-  auto records = read(list);
+  auto records = read_records(list, list.rewrites_whole);
   if (!records) return Outcome::kNotRead;
   std::erase_if(*records, [&](const std::string& record) { return !keep(record); });
   return prepare(lock, list, *records) && replace(list) ? Outcome::kDone : Outcome::kNotWritten;

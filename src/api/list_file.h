@@ -18,10 +18,10 @@ namespace zelto {
 
 struct ListFile {
   const char* path;
-  const char* work_path;       // where a rewrite is prepared
-  const char* replacement;     // the shell command that moves it into place
-  std::size_t shortest;        // a line of fewer characters, its end included, is no record
-  bool has_free_text = false;  // not only records: the end of an unended line is kept
+  const char* work_path;        // where a rewrite is prepared
+  const char* replacement;      // the shell command that moves it into place
+  std::size_t shortest;         // a line of fewer characters, its end included, is no record
+  bool rewrites_whole = false;  // a rewrite loses no character of an unended last line
 };
 
 namespace list_file {
@@ -41,6 +41,9 @@ class ChangeLock {
 // The records in order, each without its line's last character, which is taken for the line end.
 // Nothing when the file cannot be opened.
 std::optional<std::vector<std::string>> read(const ListFile& list);
+
+// The same, but only a line feed is taken for a line end.
+std::optional<std::vector<std::string>> read_whole(const ListFile& list);
 
 enum class Outcome { kDone, kNotRead, kNotWritten };
 

@@ -21,8 +21,8 @@ bool is_plain(char c) {
 
 // Reads from a running command. "e" keeps the pipe out of what other threads start meanwhile.
 template <typename Read>
-std::optional<Output> capture_with(const std::string& command, const Read& read) {
-  FILE* pipe = popen(command.c_str(), "re");
+std::optional<Output> capture_with(std::string_view command, const Read& read) {
+  FILE* pipe = popen(std::string(command).c_str(), "re");
   if (pipe == nullptr) return std::nullopt;
   std::string text = read(pipe);
   return Output{std::move(text), pclose(pipe)};
@@ -35,11 +35,11 @@ bool cannot_run(int wait_status) {
          (WEXITSTATUS(wait_status) == kNotExecutable || WEXITSTATUS(wait_status) == kNotFound);
 }
 
-int run(const std::string& command) {
-  return std::system(command.c_str());
+int run(std::string_view command) {
+  return std::system(std::string(command).c_str());
 }
 
-std::optional<Output> capture(const std::string& command, std::size_t longest) {
+std::optional<Output> capture(std::string_view command, std::size_t longest) {
   return capture_with(command, [longest](FILE* pipe) {
     std::string text(longest, '\0');
     text.resize(fread(text.data(), 1, longest, pipe));
@@ -47,7 +47,7 @@ std::optional<Output> capture(const std::string& command, std::size_t longest) {
   });
 }
 
-std::optional<Output> capture_line(const std::string& command, std::size_t longest) {
+std::optional<Output> capture_line(std::string_view command, std::size_t longest) {
   return capture_with(
       command, [longest](FILE* pipe) { return files::read_line(pipe, longest).value_or(""); });
 }

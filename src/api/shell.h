@@ -13,10 +13,10 @@ namespace zelto::shell {
 bool cannot_run(int wait_status);
 
 // Starts a command detached; false when no shell could be started. See zelto_system.
-bool start(const std::string& command);
+bool start(std::string_view command);
 
 // Runs a command and waits; the status of system().
-int run(const std::string& command);
+int run(std::string_view command);
 
 struct Output {
   std::string text;
@@ -25,10 +25,10 @@ struct Output {
 
 // Runs a command, waits, and gives at most the first `longest` bytes of its output; nothing when it
 // could not be started.
-std::optional<Output> capture(const std::string& command, std::size_t longest);
+std::optional<Output> capture(std::string_view command, std::size_t longest);
 
 // The same for the first line of the output, its line feed included, cut at `longest` bytes.
-std::optional<Output> capture_line(const std::string& command, std::size_t longest);
+std::optional<Output> capture_line(std::string_view command, std::size_t longest);
 
 // `text` as one bare word of a command. A word of letters, digits and @%+=:,./_- passes unchanged;
 // anything else is put in single quotes. A word that begins with "-" remains an option to whom it

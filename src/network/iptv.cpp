@@ -26,10 +26,10 @@ constexpr std::array kPortMembers = {"lan4", "lan3", "lan2", "lan1"};
 
 void add_settings(const Request& /*request*/, Reply& reply) {
   const auto number = [](const config::Option& option) {
-    return text::to_int(config::read(option).value_or(""));
+    return text::to_int(config::read_or_empty(option));
   };
   reply.number("enable", number(kEnable));
-  const auto ports = config::read(kPorts).value_or("");
+  const auto ports = config::read_or_empty(kPorts);
   std::string_view rest = ports;
   for (const char* member : kPortMembers) {
     const auto [role, others] = text::split_first(rest, ',');
@@ -64,7 +64,7 @@ int change(const Request& request) {
   config::write(kUsersChoice, std::to_string(*enable));
   if (on) {
     config::write(kPorts, *ports);
-    config::write(kTag, std::string(*tag));
+    config::write(kTag, *tag);
   }
   return kDone;
 }

@@ -45,8 +45,8 @@ void change_settings(const Request& request, Reply& reply) {
     log::refused("setipv6info");
     return reply.result(kFailed);
   }
-  if (pass_through) config::write(kPassThrough, std::string(*pass_through));
-  if (lan_type) config::write(kLanType, std::string(*lan_type));
+  if (pass_through) config::write(kPassThrough, *pass_through);
+  if (lan_type) config::write(kLanType, *lan_type);
   reply.result(kDone);
   reply.afterwards([] { shell::start(wan::kQuickRestart); });
 }

@@ -24,7 +24,7 @@ std::string current_address() {
 }
 
 std::string own_address() {
-  return config::read(kOwnAddress, kLongestAddress).value_or("");
+  return config::read_or_empty(kOwnAddress, kLongestAddress);
 }
 
 void add_sources(const Request& /*request*/, Reply& reply) {
@@ -51,7 +51,7 @@ int clone(const Request& request) {
     log::refused("setclonemac");
     return kFailed;
   }
-  if (*mac != current) config::write({"network", "wan", "macaddr"}, std::string(*mac));
+  if (*mac != current) config::write({"network", "wan", "macaddr"}, *mac);
   return kDone;
 }
 

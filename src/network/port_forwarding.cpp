@@ -30,6 +30,7 @@ constexpr ListFile kRules = {
     .work_path = "/tmp/port_forward_list",
     .replacement = "mv /tmp/port_forward_list /etc/port_forward_list",
     .shortest = 9,
+    .rewrites_whole = true,
 };
 constexpr std::size_t kLongestLine = 319;  // what readers take, the line end included
 constexpr std::size_t kLongestPort = 47;

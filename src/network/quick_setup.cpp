@@ -47,7 +47,7 @@ void add_mode(Reply& reply) {
 
 // The first visit of the pages finds the 2.4 GHz radio at full power.
 void greet_first_visitor() {
-  const auto visited = config::read(kFirstLogin, kLongestWord).value_or("");
+  const auto visited = config::read_or_empty(kFirstLogin, kLongestWord);
   if (text::to_int(visited) != 0) return;
   config::write(kFirstLogin, "1");
   driver::write(driver::k2G, "TxPower", driver::kWhole, "100");
@@ -64,8 +64,7 @@ void add_wizard(const Request& /*request*/, Reply& reply) {
   const auto link = [&](unsigned bit) { return (status & bit) != 0 ? "link" : "unlink"; };
   reply.text("wanstatus", link(ZELTO_STATUS_WAN));
   reply.text("netstatus", link(ZELTO_STATUS_ONLINE));
-  const auto password =
-      config::read({"system", "route", "routepwd"}, kLongestPassword).value_or("");
+  const auto password = config::read_or_empty({"system", "route", "routepwd"}, kLongestPassword);
   reply.text("password", password);
   reply.text("jumpflag", password.empty() || password == " " ? "1" : "0");
   greet_first_visitor();
@@ -123,7 +122,7 @@ void reset_flags() {
 }
 
 void settle_hardware_nat(const Mode* mode) {
-  const auto wanted = config::read({"system", "route", "mtkhnat"}, kLongestWord).value_or("");
+  const auto wanted = config::read_or_empty({"system", "route", "mtkhnat"}, kLongestWord);
   const bool routes = mode == nullptr || !mode->bridges_everything;
   const bool on = routes && text::to_int(wanted) == 1;
   config::write(kHardwareNat, on ? "1" : "0");

@@ -17,7 +17,7 @@
 namespace zelto::quick_setup {
 namespace {
 
-using Values = std::initializer_list<std::pair<const char*, std::string>>;
+using Values = std::initializer_list<std::pair<const char*, std::string_view>>;
 
 constexpr const char* kWiredPorts = "eth0.1";
 constexpr const char* kAllPorts = "eth0.1 eth0.2";
@@ -29,7 +29,7 @@ void set(const char* package, const char* section, Values values) {
   for (const auto& [option, value] : values) config::write({package, section, option}, value);
 }
 
-void set_route(const char* mode, const std::string& connection_type) {
+void set_route(const char* mode, std::string_view connection_type) {
   config::write(config::kOperationMode, mode);
   config::write(config::kConnectionType, connection_type);
 }
@@ -93,7 +93,7 @@ void store_wan_fields(const Members& request) {
     wan::store_field(name, *sent);
     // Alone, unlike in "setwancfg", which keeps both.
     if (std::string_view(name) == "dns1") {
-      config::write({"system", "route", "static_dns"}, std::string(*sent));
+      config::write({"system", "route", "static_dns"}, *sent);
     }
   }
 }

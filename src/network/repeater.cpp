@@ -155,9 +155,8 @@ void add_joined_network(const Request& /*request*/, Reply& reply) {
     return;
   }
   const config::Option ssid = {"internet", mode->c_str(), "ApCliSsid"};
-  reply.text("ssid", config::read(ssid, kLongestSsid).value_or(""));
-  reply.text("mac",
-             config::read({"system", "route", "superior_bssid"}, kLongestAddress).value_or(""));
+  reply.text("ssid", config::read_or_empty(ssid, kLongestSsid));
+  reply.text("mac", config::read_or_empty({"system", "route", "superior_bssid"}, kLongestAddress));
 }
 
 }  // namespace

@@ -26,9 +26,9 @@ constexpr std::size_t kLongestPair = 63;  // what applies the pair reads no more
 constexpr std::size_t kLongestStaticPair = 149;
 
 void add_resolvers(const Request& /*request*/, Reply& reply) {
-  const auto pair = config::read(kOwnResolvers).value_or("");
+  const auto pair = config::read_or_empty(kOwnResolvers);
   const auto [first, second] = text::split_first(pair, ' ');
-  const auto state = config::read(kOwnSwitch, kLongestWord).value_or("");
+  const auto state = config::read_or_empty(kOwnSwitch, kLongestWord);
   reply.text("dns1", first);
   reply.text("dns2", second);
   reply.text("status", text::to_int(state) != 0 ? "1" : "0");

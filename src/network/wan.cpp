@@ -103,8 +103,8 @@ void change_settings(const Request& request, Reply& reply, char* out) {
     return reply.result(kFailed);
   }
   forget_connection();
-  config::write(kWanProtocol, std::string(*mode));
-  config::write(config::kConnectionType, std::string(*mode));
+  config::write(kWanProtocol, *mode);
+  config::write(config::kConnectionType, *mode);
   store_fields(request);
   wan::apply_own_resolvers();
   reply.result(kDone);

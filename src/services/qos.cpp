@@ -65,7 +65,7 @@ void add_limit(const Limit& limit, Object object) {
 void add_limits(const Request& request, Reply& reply) {
   const auto mac = request.text("MAC");
   if (!mac) return reply.result(kFailed);
-  const auto records = list_file::read(kLimits);
+  const auto records = list_file::read_whole(kLimits);
   if (!records) {
     log::error("fopen /etc/qos_limit_list failed!\n");
     return reply.result(kFailed);
@@ -107,7 +107,7 @@ struct Plan {
 
 // Every device has a mark of its own; marks are never used again.
 std::string take_mark() {
-  const auto last = text::to_int(config::read(kLastMark).value_or(""));
+  const auto last = text::to_int(config::read_or_empty(kLastMark));
   const auto mark = std::to_string(last + 1LL);
   config::write(kLastMark, mark);
   return mark;
@@ -173,7 +173,7 @@ int change(const Request& request) {
     return kFailed;
   }
   const ChangeLock lock;
-  const auto records = list_file::read(kLimits);
+  const auto records = list_file::read_whole(kLimits);
   if (!records) {
     log::error("fopen /etc/qos_limit_list failed!\n");
     return kFailed;

@@ -38,7 +38,7 @@ std::string firmware_version() {
 }
 
 std::string cloud_key() {
-  return config::read({"system", "route", "CloudKey"}).value_or("");
+  return config::read_or_empty({"system", "route", "CloudKey"});
 }
 
 }  // namespace zelto::identity
@@ -61,9 +61,9 @@ void add_host(const Request& /*request*/, Reply& reply) {
   reply.text("hostname", identity::model());
   reply.text("hostmac", interface::hardware_address("br-lan").value_or(""));
   reply.text("hostkey", identity::cloud_key());
-  reply.text("hostpwd", config::read({"system", "route", "routepwd"}).value_or(""));
+  reply.text("hostpwd", config::read_or_empty({"system", "route", "routepwd"}));
   reply.text("hostmodel", identity::firmware_version());
-  reply.text("wlanssid", config::read({"system", "route", "ssid_2g"}).value_or(""));
+  reply.text("wlanssid", config::read_or_empty({"system", "route", "ssid_2g"}));
   reply.text("hosttype", "router");
 }
 

@@ -32,7 +32,7 @@ constexpr const char* kTokenFile = "/tmp/token";
 bool matches(const Request& request, const char* member, const config::Option& option,
              std::size_t longest) {
   const auto presented = request.text(member).value_or("");
-  return presented.size() <= longest && presented == config::read(option, longest).value_or("");
+  return presented.size() <= longest && presented == config::read_or_empty(option, longest);
 }
 
 std::string mint_token() {
@@ -49,7 +49,7 @@ void add_mode(Reply& reply) {
   const auto mode = config::read(config::kOperationMode);
   reply.text("defmode", mode.value_or("router"));
   const auto add_band = [&](const config::Option& option) {
-    reply.text("wifiType", config::read(option, kLongestWord).value_or(""));
+    reply.text("wifiType", config::read_or_empty(option, kLongestWord));
   };
   if (mode == "repeater") add_band({"internet", "repeater", "repeater_type"});
   if (mode == "wisp") add_band({"internet", "wisp", "wisp_type"});
@@ -61,7 +61,7 @@ void log_in(const Request& request, Reply& reply) {
     return reply.result(kFailed);
   }
   reply.text("token", mint_token());
-  reply.number("first_login", text::to_int(config::read(kFirstLogin, kLongestWord).value_or("")));
+  reply.number("first_login", text::to_int(config::read_or_empty(kFirstLogin, kLongestWord)));
   add_mode(reply);
   reply.result(kDone);
 }

@@ -168,7 +168,7 @@ int get_system_current_time(char* date, char* uptime) {
 
 int init_network_run() {
   return guarded(-1, [] {
-    const auto enabled = config::read({"system", "route", "mtkhnat"}, kSwitchWord).value_or("");
+    const auto enabled = config::read_or_empty({"system", "route", "mtkhnat"}, kSwitchWord);
     config::write({"mtkhnat", "global", "enable"}, enabled);
     return shell::run(enabled == "1" ? "echo 1 > /sys/kernel/debug/hnat/hook_toggle"
                                      : "echo 0 > /sys/kernel/debug/hnat/hook_toggle");

@@ -71,7 +71,7 @@ const Tuner kTuner5G = {
 constexpr const char* kAutomatic = "0";
 constexpr int kFirstUpperChannel = 10;  // from here on the second half of 40 MHz lies below
 
-void write(const Tuner& tuner, const char* key, const std::string& value) {
+void write(const Tuner& tuner, const char* key, std::string_view value) {
   driver::write(tuner.radio.profile, key, driver::kWhole, value);
 }
 

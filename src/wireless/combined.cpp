@@ -39,16 +39,16 @@ std::optional<DriverFacts> read_facts(const Radio& radio) {
 void add_configuration(const Radio& radio, const DriverFacts& facts, Object entry) {
   entry.text("radio", radio.name);
   entry.number("enable", text::to_int(facts.enabled));
-  entry.text("wlanssid", config::read(radio.main.ssid).value_or(""));
+  entry.text("wlanssid", config::read_or_empty(radio.main.ssid));
   entry.text("wlanpswencry", web_spelling("wlanpswencry", facts.cipher));
   entry.text("wlanpswmode", web_mode(facts.authentication, facts.cipher));
   entry.text("wlanpsw", facts.passphrase);
-  entry.number("ssidhide", text::to_int(config::read(radio.main.hidden).value_or("")));
+  entry.number("ssidhide", text::to_int(config::read_or_empty(radio.main.hidden)));
   if (const auto level = power_level(facts.transmit_power)) entry.number("power", *level);
 }
 
 void add_configurations(const Request& /*request*/, Reply& reply) {
-  const auto dual = config::read(kDualSwitch).value_or("");
+  const auto dual = config::read_or_empty(kDualSwitch);
   reply.text("dualSwitch", dual.empty() ? kOff : dual);
 
   const auto facts_2g = read_facts(k2G);

@@ -15,15 +15,15 @@
 namespace zelto::wireless {
 namespace {
 
-void write_element(const Radio& radio, const char* key, const std::string& value) {
+void write_element(const Radio& radio, const char* key, std::string_view value) {
   driver::write(radio.profile, key, radio.guest.index, value);
 }
 
-void write_ssid(const Radio& radio, const std::string& ssid) {
+void write_ssid(const Radio& radio, std::string_view ssid) {
   driver::write(radio.profile, radio.guest.ssid_key, driver::kWhole, ssid);
 }
 
-void write_passphrase(const Radio& radio, const std::string& passphrase) {
+void write_passphrase(const Radio& radio, std::string_view passphrase) {
   driver::write(radio.profile, radio.guest.passphrase_key, driver::kWhole, passphrase);
 }
 
@@ -42,11 +42,11 @@ int get_visitor(const char* type, const Names& names, const char* request, char*
   return answer({.type = type}, request, out, [&](const Request&, Reply& reply) {
     const auto& profile = names.radio.profile;
     const auto& guest = names.radio.guest;
-    const auto enabled = driver::read(profile, "WIFIEnable", guest.index).value_or("");
+    const auto enabled = driver::read_or_empty(profile, "WIFIEnable", guest.index);
     reply.number(names.enable, text::to_int(enabled));
-    reply.text(names.ssid, config::read(guest.ssid).value_or(""));
+    reply.text(names.ssid, config::read_or_empty(guest.ssid));
     reply.text(names.passphrase,
-               driver::read(profile, guest.passphrase_key, driver::kWhole).value_or(""));
+               driver::read_or_empty(profile, guest.passphrase_key, driver::kWhole));
   });
 }
 
@@ -76,10 +76,10 @@ int change_visitor(const char* type, const Names& names, const Request& request,
   if (leaves_radios_on) write_element(radio, "WIFIEnable", state);
   config::write(radio.guest.enabled, state);
   if (on) {
-    if (leaves_radios_on) write_ssid(radio, std::string(*ssid));
-    write_passphrase(radio, std::string(*passphrase));
+    if (leaves_radios_on) write_ssid(radio, *ssid);
+    write_passphrase(radio, *passphrase);
     write_mixed_security(radio);
-    config::write(radio.guest.ssid, std::string(*ssid));
+    config::write(radio.guest.ssid, *ssid);
   }
   return kDone;
 }
@@ -129,11 +129,11 @@ const std::array kEntries = {Entry{k2G, "2.4g"}, Entry{k5G, "5g"}};
 void add_entry(const Entry& entry, const GuestFacts& facts, Object object) {
   object.text("type", entry.type);
   object.number("Switch", text::to_int(facts.enabled));
-  object.text("ssid", config::read(entry.radio.guest.ssid).value_or(""));
+  object.text("ssid", config::read_or_empty(entry.radio.guest.ssid));
   object.text("encryption", web_mode(facts.authentication, facts.cipher));
   object.text("pwd", facts.passphrase);
   object.text("encry_alg", "aes");
-  object.text("ssid_hide", config::read(entry.radio.guest.hidden).value_or(""));
+  object.text("ssid_hide", config::read_or_empty(entry.radio.guest.hidden));
 }
 
 void add_guests(const Request& /*request*/, Reply& reply) {

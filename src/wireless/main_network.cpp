@@ -34,11 +34,11 @@ const Names kNames5G = {k5G, "wlan5ssid", "wlan5psw", "wlan5pswencry", "wlan5psw
 // ---- getwlancfg, get5wlancfg
 
 std::string read_or_empty(const Radio& radio, const char* key, driver::Index index) {
-  return driver::read(radio.profile, key, index).value_or("");
+  return driver::read_or_empty(radio.profile, key, index);
 }
 
 void add_ssid(const Names& names, Reply& reply) {
-  reply.text(names.ssid, config::read(names.radio.main.ssid, kLongestText).value_or(""));
+  reply.text(names.ssid, config::read_or_empty(names.radio.main.ssid, kLongestText));
 }
 
 void add_passphrase(const Names& names, Reply& reply) {
@@ -186,7 +186,7 @@ void add_hidden(const Request& request, Reply& reply) {
       {{"gethide2", &k2G}, {"gethide5", &k5G}}};
   const Radio* radio = find_by_type(kTypes, request);
   if (radio == nullptr) return reply.result(kFailed);
-  reply.text("enable", config::read(radio->main.hidden, kLongestShown).value_or(""));
+  reply.text("enable", config::read_or_empty(radio->main.hidden, kLongestShown));
 }
 
 void hide(const Radio& radio, const std::string& hidden) {

@@ -84,7 +84,7 @@ void set_name(const Radio& radio, const std::string& ssid, const std::string& hi
 
 void show_name(const Radio& radio, const std::string& hidden) {
   constexpr std::size_t kLongestSsid = 255;
-  set_name(radio, config::read(radio.main.ssid, kLongestSsid).value_or(""), hidden);
+  set_name(radio, config::read_or_empty(radio.main.ssid, kLongestSsid), hidden);
 }
 
 void take_name_away(const Radio& radio) {
@@ -92,7 +92,7 @@ void take_name_away(const Radio& radio) {
 }
 
 std::string stored_hidden(const Radio& radio) {
-  return config::read(radio.main.hidden, kLongestFlag).value_or("");
+  return config::read_or_empty(radio.main.hidden, kLongestFlag);
 }
 
 void hide_on_air(const Radio& radio, const std::string& hidden) {
@@ -110,7 +110,7 @@ void settle_channel_14(const std::string& new_channel) {
   constexpr int kChannel14 = 14;
   constexpr const char* kModeOfChannel14 = "1";  // 802.11b is all that is allowed there
   constexpr const char* kModeOfOthers = "9";
-  const auto before = driver::read(k2G.profile, "Channel", driver::kWhole).value_or("");
+  const auto before = driver::read_or_empty(k2G.profile, "Channel", driver::kWhole);
   if (text::to_int(new_channel) == kChannel14) {
     write_mode(k2G, kModeOfChannel14);
   } else if (text::to_int(before) == kChannel14) {

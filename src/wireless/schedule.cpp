@@ -76,7 +76,7 @@ void change_switch(const Request& request, Reply& reply) {
     log::refused("wifi_schedule_switch");
     return reply.result(kFailed);
   }
-  config::write(kSwitch, std::string(*state));
+  config::write(kSwitch, *state);
   reply.result(kDone);
 }
 
