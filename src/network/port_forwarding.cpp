@@ -69,8 +69,9 @@ Rule parse(const std::string& record) {
     const auto [mapping, others] = text::split_first(rest, ';');
     const auto [lan_port, behind] = text::first_word(mapping);
     const auto [wan_port, protocol] = text::two_words(behind);
-    rule.mappings.push_back({std::string(lan_port), wan_port, protocol});
     rest = others;
+    if (mapping.empty()) continue;  // runs of separators count as one
+    rule.mappings.push_back({std::string(lan_port), wan_port, protocol});
   }
   return rule;
 }
@@ -186,10 +187,10 @@ std::optional<Mapping> parse_mapping(std::string_view text) {
 
 // The rule that a request asks for; nothing when it cannot be kept.
 std::optional<Rule> wanted_rule(const Request& request) {
-  Rule rule = {names::encode(request.text("name").value_or("")),
-               std::string(request.text("ip").value_or("")),
-               {}};
-  if (!list_file::is_word(rule.name, kLongestName) || !is_plain_word(rule.address, kLongestLine)) {
+  const auto name = request.text("name").value_or("");
+  Rule rule = {names::encode(name), std::string(request.text("ip").value_or("")), {}};
+  if (!list_file::is_rest(name, kLongestName) || !list_file::is_word(rule.name, kLongestName) ||
+      !is_plain_word(rule.address, kLongestLine)) {
     return std::nullopt;
   }
   for (int i = 0;; ++i) {
