@@ -48,16 +48,20 @@ constexpr std::size_t kLongestWord = 23;
 constexpr std::size_t kLongestLine = 319;  // what readers take, the line end included
 constexpr const char* kUnknownDevice = "unknow";
 
-// True when the list was rewritten without the rules of a name.
+// True when the list was rewritten without the rules of a name, the others in their plain form.
 bool remove_rules(const list_file::ChangeLock& lock, const std::string& alias) {
-  const auto outcome = list_file::rewrite(
-      lock, kList, [&](const std::string& record) { return parse(record).alias != alias; });
-  if (outcome == list_file::Outcome::kNotRead) {
+  const auto rules = read_rules();
+  if (!rules) {
     log::error("fopen /etc/parental_list for del error!\n");
-  } else if (outcome == list_file::Outcome::kNotWritten) {
-    log::error("fopen /tmp/parental_list for del error!\n");
+    return false;
   }
-  return outcome == list_file::Outcome::kDone;
+  std::vector<std::string> kept;
+  for (const auto& rule : *rules) {
+    if (rule.alias != alias) kept.push_back(print(rule));
+  }
+  if (list_file::prepare(lock, kList, kept) && list_file::replace(kList)) return true;
+  log::error("fopen /tmp/parental_list for del error!\n");
+  return false;
 }
 
 // ---- getparentalinfo
@@ -89,6 +93,7 @@ std::optional<Rule> wanted_rule(const Request& request) {
   std::replace(rule.device.begin(), rule.device.end(), ' ', '_');
   if (rule.device.empty()) rule.device = kUnknownDevice;
   const bool fits =
+      list_file::is_rest(word("alias"), kLongestName) &&
       list_file::is_word(rule.alias, kLongestName) &&
       list_file::is_word(rule.device, kLongestName) && list_file::is_word(rule.mac, kLongestWord) &&
       list_file::is_word(rule.time, kLongestWord) && list_file::is_word(rule.days, kLongestWord) &&
