@@ -135,7 +135,10 @@ void unbuild_reject_sections(const RejectFile& work,
   change(macs);
   std::string lines;
   for (const auto& mac : macs) lines.append(mac).append("\n");
-  if (!files::write_all(work.path, lines)) return log::error(work.not_written);
+  if (!files::write_all(work.path, lines)) {
+    files::remove(work.path);  // or the next half would make sections of what is there
+    return log::error(work.not_written);
+  }
   for (int number = 0; number < sections; ++number) {
     config::remove_section("firewall", reject_name(number));
   }
