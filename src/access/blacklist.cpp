@@ -83,11 +83,23 @@ bool append_rules(const ChangeLock& lock, const std::string& mac) {
   return true;
 }
 
+// A line that readers would skip or could not read whole.
+bool is_unreadable(const std::string& entry) {
+  return entry.size() + 1 < kBlacklist.shortest || entry.size() + 1 > kLongestLine;
+}
+
+int refuse() {
+  log::refused("setmacblack");
+  return kFailed;
+}
+
 int block(const std::string& mac, const std::string& name) {
+  const auto entry = mac + " " + name;
   const ChangeLock lock;
   if (find_mac_from_blacklist(mac.c_str()) == 1) return kAlreadyThere;
+  if (is_unreadable(entry)) return refuse();
   if (get_blacklist_num() >= kMostEntries) return kFull;
-  if (list_file::append(lock, kBlacklist, mac + " " + name) != Outcome::kDone) {
+  if (list_file::append(lock, kBlacklist, entry) != Outcome::kDone) {
     log::error("fopen /etc/blacklist for add error!\n");
     return kFailed;
   }
@@ -121,12 +133,6 @@ int unblock(const std::string& mac) {
 
 // The script runs as root at every start of the firewall: only what looks like an address gets
 // near.
-bool is_acceptable(const std::string& mac, const std::string& name) {
-  const auto line = mac.size() + 1 + name.size() + 1;
-  return list_file::is_word(mac, kLongestMac) && list_file::is_rest(name, kLongestLine) &&
-         line >= kBlacklist.shortest && line <= kLongestLine;
-}
-
 int change(const Request& request) {
   const std::string mac(request.text("mac").value_or(""));
   std::string name(request.text("devname").value_or(""));
@@ -134,9 +140,9 @@ int change(const Request& request) {
   const auto enable = request.text_or_integer("enable");
   if (mac.empty() || !enable) return kFailed;
   const bool blocks = *enable == "1";
-  if (!list_file::is_word(mac, kLongestMac) || (blocks && !is_acceptable(mac, name))) {
-    log::refused("setmacblack");
-    return kFailed;
+  if (!list_file::is_word(mac, kLongestMac) ||
+      (blocks && !list_file::is_rest(name, kLongestLine))) {
+    return refuse();
   }
   return blocks ? block(mac, name) : unblock(mac);
 }
