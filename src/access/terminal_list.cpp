@@ -1,5 +1,6 @@
 #include "access/terminal_list.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "api/files.h"
@@ -22,13 +23,17 @@ std::string_view without_blanks_around(std::string_view text) {
   return text.substr(0, text.find_last_not_of(kBlank) + 1);
 }
 
+// The word behind the last blank; none when what is left is the name alone.
 std::string_view take_last(std::string_view& rest) {
-  rest = without_blanks_around(rest);
   const auto blank = rest.rfind(kBlank);
-  if (blank == std::string_view::npos) return {};  // what is left is the name
+  if (blank == std::string_view::npos) return {};
   const auto word = rest.substr(blank + 1);
   rest = rest.substr(0, blank);
   return word;
+}
+
+std::string_view without_last_blanks(std::string_view text) {
+  return text.substr(0, text.find_last_not_of(kBlank) + 1);
 }
 
 }  // namespace
@@ -39,7 +44,9 @@ Terminal parse(std::string_view line) {
                       &terminal.up_rate, &terminal.interface}) {
     *field = take_first(line);
   }
-  terminal.up_total = take_last(line);
+  // One blank stands before the name, so that an empty name is seen as such.
+  line = without_last_blanks(line.substr(std::min<std::size_t>(1, line.size())));
+  if (std::count(line.begin(), line.end(), kBlank) > 1) terminal.up_total = take_last(line);
   terminal.down_total = take_last(line);
   terminal.name = without_blanks_around(line);
   return terminal;
