@@ -30,6 +30,7 @@ constexpr ListFile kLimits = {
 };
 constexpr config::Option kLastMark = {"system", "route", "qos_mark"};
 constexpr const char* kHandOver = "/tmp/edit_rule_file";
+constexpr const char* kNoHandOver = "fopen /tmp/edit_rule_file failed!\n";
 constexpr std::size_t kLongestLine = 127;
 constexpr std::size_t kLongestWord = 39;
 
@@ -92,7 +93,7 @@ struct RuleEdit {
 
 bool run_edit(const RuleEdit& edit) {
   if (!files::write_all(kHandOver, edit.rule + "\n")) {
-    log::error("fopen /tmp/edit_rule_file failed!\n");
+    log::error(kNoHandOver);
     return false;
   }
   shell::run(std::string("/sbin/qos_rule_edit.sh ") + edit.action);
@@ -176,6 +177,11 @@ int change(const Request& request) {
   const auto records = list_file::read_whole(kLimits);
   if (!records) {
     log::error("fopen /etc/qos_limit_list failed!\n");
+    return kFailed;
+  }
+  // Before a mark is taken or the script runs.
+  if (!files::write_all(kHandOver, "")) {
+    log::error(kNoHandOver);
     return kFailed;
   }
   return apply(lock, plan_change(*records, wanted));
