@@ -442,7 +442,7 @@ TEST_F(QuickSetup, FollowsTheUsersSwitches) {
     const char* enabled;
     const char* iptv_enabled;
   } cases[] = {
-      {"0", "0", "0", "0"}, {"1", "1", "1", "1"}, {"on", "0", "0", "0"}, {{}, {}, "0", "7"}};
+      {"0", "0", "0", "0"}, {"1", "1", "1", "1"}, {"2", "0", "0", "0"}, {{}, {}, "0", "7"}};
   for (const auto& c : cases) {
     given("system", "route", "mtkhnat", c.nat);
     given("system", "route", "iptv", c.iptv);
