@@ -21,6 +21,19 @@ constexpr Ratio kRatios[] = {
     {"getlancfg : its five option reads", "getlancfg", "five_option_reads", 0},
     {"getwancfg : its two option reads", "getwancfg", "two_option_reads", 0},
     {"survey of 510 networks : reading its lines", "survey_510", "survey_lines", 40},
+    {"getterminallist with 1000 entries : with 10", "getterminallist_1000", "getterminallist_10",
+     0},
+    {"getclientnum with 1000 entries : with 10", "getclientnum_1000", "getclientnum_10", 0},
+    {"getparentalinfo with 1000 entries : with 10", "getparentalinfo_1000", "getparentalinfo_10",
+     0},
+    {"setparentalinfo with 1000 entries : with 10", "setparentalinfo_1000", "setparentalinfo_10",
+     0},
+    {"getblacklist with 32 entries : with 10", "getblacklist_32", "getblacklist_10", 0},
+    {"setmacblack with 32 entries : with 10", "setmacblack_32", "setmacblack_10", 0},
+    {"getforwarding with 1000 entries : with 10", "getforwarding_1000", "getforwarding_10", 0},
+    {"setforwarding with 1000 entries : with 10", "setforwarding_1000", "setforwarding_10", 0},
+    {"getqos with 1000 entries : with 10", "getqos_1000", "getqos_10", 0},
+    {"setqos with 1000 entries : with 10", "setqos_1000", "setqos_10", 0},
 };
 
 }  // namespace
