@@ -169,7 +169,7 @@ void add_rules(const Request& /*request*/, Reply& reply) {
 
 // A word that separates nothing in a line of the list.
 bool is_plain_word(std::string_view word, std::size_t longest) {
-  return list_file::is_word(word, longest) && word.find_first_of(";") == std::string_view::npos;
+  return list_file::is_word(word, longest) && word.find(';') == std::string_view::npos;
 }
 
 // WAN port, comma, LAN port, comma, protocol word; nothing for any other text.

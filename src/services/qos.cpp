@@ -57,7 +57,7 @@ std::string print(const Limit& limit) {
 
 // ---- getqos
 
-void add_limit(const Limit& limit, Object object) {
+void add_limit(const Limit& limit, Object& object) {
   object.text("MAC", limit.mac);
   object.text("Up_Speed", limit.up);
   object.text("Dl_Speed", limit.down);
@@ -73,7 +73,10 @@ void add_limits(const Request& request, Reply& reply) {
   }
   if (*mac == "ALL") {
     auto list = reply.list("list");
-    for (const auto& record : *records) add_limit(parse(record), list.add());
+    for (const auto& record : *records) {
+      auto entry = list.add();
+      add_limit(parse(record), entry);
+    }
     return;
   }
   for (const auto& record : *records) {
@@ -109,7 +112,7 @@ struct Plan {
 // Every device has a mark of its own; marks are never used again.
 std::string take_mark() {
   const auto last = text::to_int(config::read_or_empty(kLastMark));
-  const auto mark = std::to_string(last + 1LL);
+  auto mark = std::to_string(last + 1LL);
   config::write(kLastMark, mark);
   return mark;
 }
