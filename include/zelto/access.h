@@ -6,7 +6,8 @@
  * Lists. Each is a text file of one record a line. Every change holds one lock for all lists of the
  * library (/etc/zelto_list_lock_file) from reading to replacing, so requests at once lose nothing
  * of each other. A record that its reader could not read back, or with a line break, is refused:
- * "result" 1, one log line, nothing changed. The last character of each line is taken for its end.
+ * "result" 1, one log line, nothing changed. Readers take the last character of each line for its
+ * end; a change of the list keeps that of an unended line (but for parental rules).
  */
 #pragma once
 
