@@ -9,6 +9,7 @@
 #include <set>
 
 #include <zelto/access.h>
+#include <zelto/network.h>
 
 #include "access/access_test.h"
 
@@ -66,6 +67,26 @@ bool change_for_a_while(int process, std::chrono::steady_clock::time_point end) 
     done = change(mac_of(process, kKept), false) && done;
   } while (std::chrono::steady_clock::now() < end);
   return done;
+}
+
+TEST_F(ListFiles, RequestsThatAreNotJson) {
+  const struct {
+    CommandHandler handler;
+    const char* log;
+  } cases[] = {
+      {bs_GetTerminalList, "<3>json is NULL"},
+      {bs_GetParentalInfo, "<3>json is NULL"},
+      {bs_GetBlackList, "<3>json is NULL"},
+      {bs_GetForwardingInfo, "<3>json is NULL"},
+      {bs_ClientNum_info, "<3>json data is NULL!"},
+      {bs_SetParentalInfo, "<3>json data is NULL!"},
+      {bs_SetForwardingInfo, "<3>json data is NULL!"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(zelto_test::call(c.handler, "{").status, -1);
+    EXPECT_EQ(zelto_test::call(c.handler, nullptr).reply, "untouched");
+    EXPECT_EQ(board::log().back(), c.log);
+  }
 }
 
 TEST_F(ListFiles, ManyProcessesLoseNothingOfEachOther) {

@@ -171,12 +171,13 @@ TEST_F(Terminals, FailuresAreTold) {
   }
   board::remove_file("/etc/terminal_lock_file");
   ASSERT_EQ(mkdir("/etc/terminal_lock_file", 0700), 0);
-  board::write_file("/var/log/messages", "");
+  const auto logged = board::log().size();
   for (const auto& c : cases) {
     if (c.handler == bs_GetWiFiStaInfo) continue;
     EXPECT_EQ(stations(c.handler, c.type), command(c.type, c.unlocked));
   }
-  EXPECT_THAT(board::log(), ElementsAre("<3>fopen TERMINAL_LOCK_FILE failed"));
+  EXPECT_EQ(board::log().size(), logged + 1);
+  EXPECT_EQ(board::log().back(), "<3>fopen TERMINAL_LOCK_FILE failed");
   rmdir("/etc/terminal_lock_file");
 }
 
