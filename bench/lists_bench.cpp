@@ -34,7 +34,7 @@ void fill_lists(int entries) {
     const auto mac = device(i);
     const auto name = "bmFtZ" + std::to_string(i + kMany) + "==";
     terminals += "192.168.10.2 " + mac + " 59 1 2 ra0 kitchen tablet 3 4\n";
-    parental += name + " tablet " + mac + " 16:00-20:00 12345\n";
+    parental.append(name).append(" tablet ").append(mac).append(" 16:00-20:00 12345\n");
     limits += mac + " 192.168.10.2 100 800 " + std::to_string(i) + "\n";
     forwarding += name + " 192.168.10.2;80 8080 TCP\n";
     sections += "\nconfig redirect 'redirect" + std::to_string(i) +
