@@ -54,13 +54,12 @@ std::size_t sequence_length(std::string_view bytes) {
 std::string format(const char* pattern, ...) {
   va_list arguments;
   va_start(arguments, pattern);
-  va_list again;
-  va_copy(again, arguments);
   const int length = std::vsnprintf(nullptr, 0, pattern, arguments);
   va_end(arguments);
   std::string result(static_cast<std::size_t>(std::max(length, 0)), '\0');
-  if (length > 0) std::vsnprintf(result.data(), result.size() + 1, pattern, again);
-  va_end(again);
+  va_start(arguments, pattern);
+  if (length > 0) std::vsnprintf(result.data(), result.size() + 1, pattern, arguments);
+  va_end(arguments);
   return result;
 }
 
