@@ -54,6 +54,8 @@ std::size_t sequence_length(std::string_view bytes) {
 std::string format(const char* pattern, ...) {
   va_list arguments;
   va_start(arguments, pattern);
+  // The analyser does not see what va_start does.
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
   const int length = std::vsnprintf(nullptr, 0, pattern, arguments);
   va_end(arguments);
   std::string result(static_cast<std::size_t>(std::max(length, 0)), '\0');
