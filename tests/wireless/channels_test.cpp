@@ -6,26 +6,15 @@
 
 #include "wireless/wireless_test.h"
 
+namespace zelto_test {
 namespace {
-
-using testing::Each;
-using testing::HasSubstr;
-using testing::SizeIs;
-using zelto_test::ask;
-using zelto_test::command;
-using zelto_test::done;
-using zelto_test::failed;
-using zelto_test::k2G;
-using zelto_test::k5G;
-using zelto_test::kBands;
-using zelto_test::kWhole;
 
 const std::string kTuneAll = " | start wifi_setup.sh wifi_model;wifi_setup.sh wifi_channel all &";
 const std::string kTune2G =
     " | start wifi_setup.sh wifi_master_enable 2.4G;wifi_setup.sh wifi_guest_arguments 2.4G &";
 const std::string kTune5G = " | start wifi_setup.sh wifi_channel 5.8G &";
 
-class Channels : public zelto_test::WirelessTest {
+class Channels : public WirelessTest {
  protected:
   // What iwconfig says of a running interface.
   static void given_running(const std::string& report) {
@@ -33,7 +22,24 @@ class Channels : public zelto_test::WirelessTest {
     std::filesystem::permissions("/usr/sbin/iwconfig", std::filesystem::perms::owner_all);
   }
   static std::string set(const std::string& type, const std::string& members) {
-    return " | " + effects(command(type, members), done(type));
+    return " | " + WirelessTest::set(type, members);
+  }
+
+  // A value for both radios in one request, where all are texts, then for each in its own.
+  static void expect_stores(const std::string& member, const std::string& value,
+                            const std::string& all_2g, const std::string& in_2g,
+                            const std::string& in_5g, const char* channel_before = "6") {
+    const auto text = R"(":")" + value + "\"";
+    const auto single = "\"" + member + (member == "countrycode" ? text : "\":" + value);
+    const std::tuple<const char*, std::string, std::string> requests[] = {
+        {"setchannelall", "\"" + member + "_5" + text + ",\"" + member + text,
+         all_2g + in_5g + kTuneAll},
+        {"set2channel", single, in_2g + kTune2G},
+        {"set5channel", single, in_5g + kTune5G}};
+    for (const auto& [type, members, expected] : requests) {
+      for (const auto& band : kBands) given_driver(band, "Channel", kWhole, channel_before);
+      EXPECT_EQ(set(type, members), expected);
+    }
   }
 };
 
@@ -58,10 +64,8 @@ TEST_F(Channels, Reads) {
   EXPECT_EQ(ask(R"({"type":"getchannelall"})"), all + fixed_5g + "]}");
   EXPECT_EQ(effects(R"({"type":"get5channel"})", R"({"type":"get5channel",)" + fixed_5g), "");
 
-  for (const char* nothing : {"exit 1", "echo 'x Channel=none'"}) {
-    given_running(nothing);
-    EXPECT_THAT(ask(R"({"type":"get2channel"})"), HasSubstr(R"("channel":0,"curchannel":0,)"));
-  }
+  given_running("echo 'x Channel=none'");
+  EXPECT_THAT(ask(R"({"type":"get2channel"})"), HasSubstr(R"("channel":0,"curchannel":0,)"));
   // Without a shell the other radio's channel stands in; a tool that runs and fails said 0.
   given_driver(k2G, "Channel", kWhole, "11");
   given_driver(k5G, "Channel", kWhole, "0");
@@ -76,25 +80,19 @@ TEST_F(Channels, Reads) {
 
 TEST_F(Channels, AFailedReadIsTold) {
   const std::string fields = R"("channel":1,"curchannel":1,"countrycode":"US","htbw":0,"curbw":0)";
-  for (const auto* band_ : kBands) {
-    const auto& band = *band_;
+  for (const auto& band : kBands) {
     for (const std::string key : {"CountryCode", "Channel", ""}) {
       board::reset();
-      if (key.empty()) {
-        board::remove_file(band.profile);
-      } else {
-        given_driver(band, key, kWhole, std::nullopt);
-      }
+      if (key.empty()) board::remove_file(band.profile);
+      if (!key.empty()) given_driver(band, key, kWhole, std::nullopt);
       EXPECT_EQ(ask(band(R"({"type":"get2channel"})")), band(failed("get2channel")));
       EXPECT_EQ(ask(R"({"type":"getchannelall"})"), failed("getchannelall"));
-      EXPECT_THAT(board::log(), SizeIs(2));
-      EXPECT_THAT(board::log(),
-                  Each(band("<3>lib_conf_get_2G ") + (key.empty() ? "Channel" : key) + " failed!"));
+      const auto line = band("<3>lib_conf_get_2G ") + (key.empty() ? "Channel" : key) + " failed!";
+      EXPECT_THAT(board::log(), ElementsAre(line, line));
     }
     // The bandwidth comes last: what was read before it stands.
     board::reset();
-    given_driver(k2G, "Channel", kWhole, "1");
-    given_driver(k5G, "Channel", kWhole, "1");
+    for (const auto& either : kBands) given_driver(either, "Channel", kWhole, "1");
     given_driver(band, "autobw", kWhole, std::nullopt);
     EXPECT_EQ(ask(band(R"({"type":"get2channel"})")),
               band(command("get2channel", fields + R"(,"result":1)")));
@@ -111,7 +109,7 @@ TEST_F(Channels, SetsTheChannel) {
     const char* before;
     std::string channel;
     std::string modes;
-    const char* lower_half;
+    std::string lower_half;
     std::string automatic_2g;
     std::string automatic_5g;
   } cases[] = {
@@ -120,52 +118,32 @@ TEST_F(Channels, SetsTheChannel) {
       {"6", "9", "", "1", "0", "0"},          {"", "10", "", "0", "0", "0"},
   };
   for (const auto& c : cases) {
-    const auto given_before = [&] {
-      for (const auto* band : kBands) given_driver(*band, "Channel", kWhole, c.before);
-    };
     const auto set_2g = " | wifi 2.4G " + c.modes + "Channel=" + c.channel;
     const auto automatic = ", AutoChannelSelect=" + c.automatic_2g;
-    const auto set_5g = " | wifi 5G Channel=" + c.channel + ", AutoChannelSelect=" + c.automatic_5g;
-    given_before();
-    EXPECT_EQ(
-        set("setchannelall",
-            R"("channel":")" + c.channel + R"(","channel_5":")" + c.channel + "\""),
-        set_2g + ", PERCENTAGEenable=0, HT_EXTCHA=" + c.lower_half + automatic + set_5g + kTuneAll);
-    given_before();
-    EXPECT_EQ(set("set2channel", R"("channel":)" + c.channel), set_2g + automatic + kTune2G);
-    EXPECT_EQ(set("set5channel", R"("channel":)" + c.channel), set_5g + kTune5G);
+    expect_stores(
+        "channel", c.channel,
+        set_2g + ", PERCENTAGEenable=0, HT_EXTCHA=" + c.lower_half + automatic, set_2g + automatic,
+        " | wifi 5G Channel=" + c.channel + ", AutoChannelSelect=" + c.automatic_5g, c.before);
   }
 }
 
 TEST_F(Channels, SetsTheCountry) {
-  const struct {
-    std::string code;
-    std::string region_2g;
-    std::string region_5g;
-  } cases[] = {
+  const std::tuple<std::string, std::string, std::string> regions[] = {
       {"US", "0", "7"}, {"JP", "5", "6"}, {"FR", "1", "2"}, {"TW", "0", "8"},  {"IE", "1", "1"},
       {"HK", "1", "0"}, {"CN", "1", "0"}, {"DE", "5", "7"}, {"TWN", "5", "7"}, {"CNX", "5", "7"},
       {"cn", "5", "7"}, {"F", "5", "7"},  {"", "5", "7"},
   };
-  for (const auto& c : cases) {
-    const std::string value = R"(":")" + c.code + "\"";
-    const auto set_2g = " | wifi 2.4G CountryCode=" + c.code + ", CountryRegion=" + c.region_2g;
-    const auto set_5g = " | wifi 5G CountryCode=" + c.code + ", CountryRegionABand=" + c.region_5g;
-    EXPECT_EQ(set("setchannelall", R"("countrycode_5)" + value + R"(,"countrycode)" + value),
-              set_2g + set_5g + kTuneAll);
-    EXPECT_EQ(set("set2channel", R"("countrycode)" + value), set_2g + kTune2G);
-    EXPECT_EQ(set("set5channel", R"("countrycode)" + value), set_5g + kTune5G);
+  for (const auto& [code, in_2g, in_5g] : regions) {
+    const auto set_2g = " | wifi 2.4G CountryCode=" + code + ", CountryRegion=" + in_2g;
+    expect_stores("countrycode", code, set_2g, set_2g,
+                  " | wifi 5G CountryCode=" + code + ", CountryRegionABand=" + in_5g);
   }
 }
 
 TEST_F(Channels, SetsTheBandwidth) {
   const std::string wide =
       ", HT_BW=1, HT_BSSCoexistence=1, VHT_BW=1, WirelessMode[0]=14, WirelessMode[1]=14";
-  const struct {
-    std::string bandwidth;
-    std::string keys_2g;
-    std::string keys_5g;
-  } cases[] = {
+  const std::tuple<std::string, std::string, std::string> keys[] = {
       {"0", ", HT_BW=1, HT_BSSCoexistence=1", wide},
       {"1", ", HT_BW=0, HT_BSSCoexistence=0",
        ", HT_BW=0, HT_BSSCoexistence=1, VHT_BW=0, WirelessMode[0]=8, WirelessMode[1]=8"},
@@ -174,14 +152,9 @@ TEST_F(Channels, SetsTheBandwidth) {
       {"3", "", wide},
       {"4", "", ""},
   };
-  for (const auto& c : cases) {
-    const auto set_2g = " | wifi 2.4G autobw=" + c.bandwidth + c.keys_2g;
-    const auto set_5g = " | wifi 5G autobw=" + c.bandwidth + c.keys_5g;
-    EXPECT_EQ(
-        set("setchannelall", R"("htbw_5":")" + c.bandwidth + R"(","htbw":")" + c.bandwidth + "\""),
-        set_2g + set_5g + kTuneAll);
-    EXPECT_EQ(set("set2channel", R"("htbw":)" + c.bandwidth), set_2g + kTune2G);
-    EXPECT_EQ(set("set5channel", R"("htbw":)" + c.bandwidth), set_5g + kTune5G);
+  for (const auto& [bandwidth, in_2g, in_5g] : keys) {
+    const auto set_2g = " | wifi 2.4G autobw=" + bandwidth + in_2g;
+    expect_stores("htbw", bandwidth, set_2g, set_2g, " | wifi 5G autobw=" + bandwidth + in_5g);
   }
 }
 
@@ -196,36 +169,32 @@ TEST_F(Channels, TextsForBothRadiosNumbersForOne) {
 
 TEST_F(Channels, ARadioThatIsTheUplinkIsNotTuned) {
   const std::string tune = " | start wifi_setup.sh wifi_model;wifi_setup.sh wifi_channel ";
-  const struct {
-    std::optional<std::string> mode;
-    std::optional<std::string> wisp;
-    std::optional<std::string> repeater;
-    std::string command;
-    std::string failure = "";
-  } cases[] = {
-      {"router", "2.4G", "2.4G", kTuneAll},
-      {"repeate", "2.4G", "2.4G", kTuneAll},
+  using Option = std::optional<std::string>;
+  const std::tuple<Option, Option, Option, std::string, std::string> cases[] = {
+      {"router", "2.4G", "2.4G", kTuneAll, ""},
+      {"repeate", "2.4G", "2.4G", kTuneAll, ""},
       {std::nullopt, "2.4G", "2.4G", kTuneAll, "operationmode"},
-      {"wisp", "2.4G", "5.8G", tune + "5.8G &"},
-      {"wisp", "5.8G", "2.4G", tune + "2.4G &"},
-      {"wisp", "5G", "2.4G", " | "},
+      {"wisp", "2.4G", "5.8G", tune + "5.8G &", ""},
+      {"wisp", "5.8G", "2.4G", tune + "2.4G &", ""},
+      {"wisp", "5G", "2.4G", " | ", ""},
       {"wisp", std::nullopt, "2.4G", kTuneAll, "wisp_type"},
-      {"repeater", "5.8G", "2.4G", tune + "5.8G &"},
-      {"repeater", "2.4G", "5.8G", tune + "2.4G &"},
-      {"repeater", "2.4G", "x", " | "},
+      {"repeater", "5.8G", "2.4G", tune + "5.8G &", ""},
+      {"repeater", "2.4G", "5.8G", tune + "2.4G &", ""},
+      {"repeater", "2.4G", "x", " | ", ""},
       {"repeater", "2.4G", std::nullopt, kTuneAll, "repeater_type"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [mode, wisp, repeater, tuned, failure] : cases) {
     board::reset();
-    given_route("operationmode", c.mode);
-    given("internet", "wisp", "wisp_type", c.wisp);
-    given("internet", "repeater", "repeater_type", c.repeater);
-    EXPECT_EQ(set("setchannelall", ""), c.command);
-    EXPECT_EQ(zelto_test::call(bs_SetChannelAll, "{}").reply, R"({"result":1})");
-    EXPECT_EQ(" | " + effects(), c.command);
-    EXPECT_THAT(board::log(), SizeIs(c.failure.empty() ? 0 : 2));
-    EXPECT_THAT(board::log(), Each("<3>uci get " + c.failure + " error!"));
+    given_route("operationmode", mode);
+    given("internet", "wisp", "wisp_type", wisp);
+    given("internet", "repeater", "repeater_type", repeater);
+    EXPECT_EQ(set("setchannelall", ""), tuned);
+    EXPECT_EQ(call(bs_SetChannelAll, "{}").reply, R"({"result":1})");
+    EXPECT_EQ(" | " + effects(), tuned);
+    EXPECT_THAT(board::log(), SizeIs(failure.empty() ? 0 : 2));
+    EXPECT_THAT(board::log(), Each("<3>uci get " + failure + " error!"));
   }
 }
 
 }  // namespace
+}  // namespace zelto_test

@@ -2,23 +2,13 @@
 
 #include "wireless/wireless_test.h"
 
+namespace zelto_test {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using zelto_test::ask;
-using zelto_test::command;
-using zelto_test::done;
-using zelto_test::k2G;
-using zelto_test::k5G;
-using zelto_test::kBands;
-using zelto_test::kWhole;
-using zelto_test::security;
-
-class Combined : public zelto_test::WirelessTest {
+class Combined : public WirelessTest {
  protected:
   static std::string set(const std::string& members) {
-    return effects(command("setwlancfgall", members), done("setwlancfgall"));
+    return WirelessTest::set("setwlancfgall", members);
   }
 };
 
@@ -42,43 +32,37 @@ TEST_F(Combined, ReadsBothRadiosFromTheirStores) {
             R"("wlanpswmode":"wpa2wpa3","wlanpsw":"","ssidhide":0,"power":1}]})");
   EXPECT_EQ(effects(), "");
 
-  const struct {
-    const char* authentication;
-    const char* cipher;
-    const char* power;
-    std::string security;
-    std::string level;
-  } cases[] = {
+  const std::tuple<const char*, const char*, const char*, std::string, std::string> cases[] = {
       {"WPAPSKWPA2PSK", "TKIP", "100", R"("tkip","wlanpswmode":"wpawpa2")", R"(,"power":2)"},
       {"WPA2PSK", "TKIPAES", "10", R"("tkipaes","wlanpswmode":"wpa2")", ""},
       {"ODD", "", "", R"("","wlanpswmode":"ODD")", ""},
   };
-  for (const auto& c : cases) {
-    for (const auto* band : kBands) {
+  for (const auto& [authentication, cipher, power, shown, level] : cases) {
+    for (const auto& band : kBands) {
       board::reset();
-      given_driver(*band, "AuthMode", 0, c.authentication);
-      given_driver(*band, "EncrypType", 0, c.cipher);
-      given_driver(*band, "TxPower", kWhole, c.power);
+      given_driver(band, "AuthMode", 0, authentication);
+      given_driver(band, "EncrypType", 0, cipher);
+      given_driver(band, "TxPower", kWhole, power);
       EXPECT_THAT(ask(R"({"type":"getwlancfgall"})"),
-                  HasSubstr((*band)("ZELTO-2.4G\",") + R"("wlanpswencry":)" + c.security +
-                            R"(,"wlanpsw":"zelto12345","ssidhide":0)" + c.level + "}"));
+                  HasSubstr(band("ZELTO-2.4G\",") + R"("wlanpswencry":)" + shown +
+                            R"(,"wlanpsw":"zelto12345","ssidhide":0)" + level + "}"));
     }
   }
 }
 
 TEST_F(Combined, AFailedReadEndsTheReply) {
-  for (const auto* band : kBands) {
+  for (const auto& band : kBands) {
     for (const std::string key : {"WIFIEnable", "EncrypType", "AuthMode", "WPAPSK1", "TxPower"}) {
       board::reset();
       given_route("dualSwitch", std::nullopt);
-      given_driver(*band, key, kWhole, std::nullopt);
+      given_driver(band, key, kWhole, std::nullopt);
       for (int ask_again = 0; ask_again < 2; ++ask_again) {
         EXPECT_EQ(ask(R"({"type":"getwlancfgall"})"),
                   R"({"type":"getwlancfgall","dualSwitch":"0","result":1})");
-        board::remove_file(band->profile);
+        board::remove_file(band.profile);
       }
-      EXPECT_THAT(board::log(), ElementsAre((*band)("<3>lib_conf_get_2G ") + key + " failed!",
-                                            (*band)("<3>lib_conf_get_2G WIFIEnable failed!")));
+      EXPECT_THAT(board::log(), ElementsAre(band("<3>lib_conf_get_2G ") + key + " failed!",
+                                            band("<3>lib_conf_get_2G WIFIEnable failed!")));
     }
   }
 }
@@ -93,7 +77,7 @@ TEST_F(Combined, StoresWhatIsSentInOrder) {
                 " | uci ssid_5g=Name 5 | wifi 5G SSID1=Name 5, WPAPSK1=key 5, TxPower=100, "
                 "PERCENTAGEenable=0, " +
                 security("wpa3", 0) + " | start wifi_setup.sh wifi_master_arguments all &");
-  for (const auto& [mode, keys] : zelto_test::kSecurity) {
+  for (const auto& [mode, keys] : kSecurity) {
     EXPECT_EQ(set(R"("power":1,"wlanpswmode_5":")" + mode + "\""),
               "wifi 2.4G TxPower=60, PERCENTAGEenable=1 | wifi 5G " + security(mode, 0) +
                   " | start wifi_setup.sh wifi_master_arguments all &");
@@ -123,18 +107,14 @@ TEST_F(Combined, TheSecondRadioFollowsTheFirst) {
   const std::string all = " | start wifi_setup.sh wifi_master_arguments all &";
   const std::string off_alone = " | uci dualSwitch=1, ssid_2g=A, ssid_5g=B | wifi 5G SSID1=B";
   const std::string switched_off =
-      " | wifi 5G WIFIEnable[0]=0, SSID1=C7CBAF4186660BA55327A196D352A33D, HideSSID[0]=1 | "
-      "start wifi_setup.sh wifi_master_disable 5.8G &";
+      std::string(" | wifi 5G WIFIEnable[0]=0, SSID1=") + kOff5G +
+      ", HideSSID[0]=1 | start wifi_setup.sh wifi_master_disable 5.8G &";
   const std::string enable =
       " | start wifi_setup.sh wifi_master_arguments 2.4G;wifi_setup.sh wifi_master_enable 5.8G &";
   const std::string on_alone = " | uci dualSwitch=1, ssid_2g=A | wifi 2.4G SSID1=A | uci ssid_5g=B";
   const std::string both = R"("dualSwitch":"1","wlanssid":"A","wlanssid_5":"B")";
-  const struct {
-    std::string members;
-    std::string states;  // WIFIEnable of 2.4 and 5 GHz, hidden of 2.4 and 5 GHz
-    std::optional<std::string> schedule;
-    std::string effects;
-  } cases[] = {
+  // States are WIFIEnable of 2.4 and 5 GHz, hidden of 2.4 and 5 GHz.
+  const std::tuple<std::string, std::string, std::optional<std::string>, std::string> cases[] = {
       {both, "0100", "0", off_alone + " | uci switch_5g=0" + switched_off},
       {both, "0110", "0", off_alone + " | uci hidden_5g=1, switch_5g=0" + switched_off},
       {both, "0100", "1", off_alone + " | uci switch_5g=0"},
@@ -165,16 +145,17 @@ TEST_F(Combined, TheSecondRadioFollowsTheFirst) {
       {R"("dualSwitch":"01","wlanssid":"A")", "0110", "0", " | uci dualSwitch=01, ssid_2g=A" + all},
       {R"("wlanssid":"A")", "0110", "0", " | uci ssid_2g=A" + all},
   };
-  for (const auto& c : cases) {
+  for (const auto& [members, states, schedule, expected] : cases) {
     board::reset();
-    given_driver(k2G, "WIFIEnable", 0, c.states.substr(0, 1));
-    given_driver(k5G, "WIFIEnable", 0, c.states.substr(1, 1));
-    given_route("hidden_2g", c.states.substr(2, 1));
-    given_route("hidden_5g", c.states.substr(3, 1));
+    given_driver(k2G, "WIFIEnable", 0, states.substr(0, 1));
+    given_driver(k5G, "WIFIEnable", 0, states.substr(1, 1));
+    given_route("hidden_2g", states.substr(2, 1));
+    given_route("hidden_5g", states.substr(3, 1));
     given_route("dualSwitch", "1");
-    given_schedule(c.schedule);
-    EXPECT_EQ(" | " + set(c.members), c.effects) << c.members << c.states;
+    given_schedule(schedule);
+    EXPECT_EQ(" | " + set(members), expected) << members << states;
   }
 }
 
 }  // namespace
+}  // namespace zelto_test

@@ -2,33 +2,25 @@
 
 #include "wireless/wireless_test.h"
 
+namespace zelto_test {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using zelto_test::ask;
-using zelto_test::command;
-using zelto_test::done;
-using zelto_test::failed;
-using zelto_test::k2G;
-using zelto_test::k5G;
-using zelto_test::kBands;
-using zelto_test::kWhole;
-using zelto_test::security;
+const std::string kDone = done("multi_ssid_apply");
+const std::string kFailed = failed("multi_ssid_apply");
 
-class Guest : public zelto_test::WirelessTest {};
+class Guest : public WirelessTest {};
 
 TEST_F(Guest, ReadsOneRadio) {
-  for (const auto* band : kBands) {
-    given_driver(*band, "WIFIEnable", kWhole, "0;1");
-    EXPECT_EQ(ask((*band)(R"({"type":"getvisitorinfo"})")),
-              (*band)(R"({"type":"getvisitorinfo","gssidenable":1,"gssid":"ZELTO-Guest",)"
-                      R"("gpsw":"guest12345"})"));
-    given_driver(*band, "WIFIEnable", kWhole, "1");  // no element for the guests
-    given_driver(*band, "WPAPSK2", kWhole, std::nullopt);
-    given_route((*band)("ssid_2g_guest"), std::nullopt);
-    EXPECT_EQ(ask((*band)(R"({"type":"getvisitorinfo"})")),
-              (*band)(R"({"type":"getvisitorinfo","gssidenable":0,"gssid":"","gpsw":""})"));
+  for (const auto& band : kBands) {
+    given_driver(band, "WIFIEnable", kWhole, "0;1");
+    EXPECT_EQ(ask(band(R"({"type":"getvisitorinfo"})")),
+              band(R"({"type":"getvisitorinfo","gssidenable":1,"gssid":"ZELTO-Guest",)"
+                   R"("gpsw":"guest12345"})"));
+    given_driver(band, "WIFIEnable", kWhole, "1");  // no element for the guests
+    given_driver(band, "WPAPSK2", kWhole, std::nullopt);
+    given_route(band("ssid_2g_guest"), std::nullopt);
+    EXPECT_EQ(ask(band(R"({"type":"getvisitorinfo"})")),
+              band(R"({"type":"getvisitorinfo","gssidenable":0,"gssid":"","gpsw":""})"));
   }
   EXPECT_THAT(board::log(), IsEmpty());
 }
@@ -39,11 +31,8 @@ TEST_F(Guest, ChangesOneRadioInMixedMode) {
   const std::string mixed =
       "WPAPSK2=a key, AuthMode[1]=WPAPSKWPA2PSK, PMFMFPR[1]=0, PMFMFPC[1]=0, EncrypType[1]=AES, "
       "RekeyMethod[1]=TIME | uci ssid_2g_guest=A";
-  const struct {
-    std::string members;
-    std::string free;
-    std::string held;  // by the schedule
-  } cases[] = {
+  // What is sent, and its effects: freely, and while the schedule has the radio.
+  const std::tuple<std::string, std::string, std::string> cases[] = {
       {R"("gssidenable":1,)" + names,
        " | wifi 2.4G WIFIEnable[1]=1 | uci switch_2g_guest=1 | wifi 2.4G SSID2=A, " + mixed,
        " | uci switch_2g_guest=1 | wifi 2.4G " + mixed},
@@ -56,18 +45,15 @@ TEST_F(Guest, ChangesOneRadioInMixedMode) {
       {R"("gssidenable":"1",)" + names, "", ""},
       {names, "", ""},
   };
-  for (const auto* band : kBands) {
-    for (const auto& c : cases) {
-      const auto set = [&] {
-        const auto* const type = "setvisitorinfo";
-        return " | " + effects((*band)(command(type, c.members)),
-                               (*band)(c.free.empty() ? failed(type) : done(type)));
-      };
+  for (const auto& band : kBands) {
+    for (const auto& [members, free, held] : cases) {
+      const auto request = band(command("setvisitorinfo", members));
+      const auto reply = band(free.empty() ? failed("setvisitorinfo") : done("setvisitorinfo"));
       given_schedule("0");
-      EXPECT_EQ(set(), (*band)(c.free + apply));
+      EXPECT_EQ(" | " + effects(request, reply), band(free + apply));
       for (const auto& state : {std::optional<std::string>("1"), {}}) {
         given_schedule(state);
-        EXPECT_EQ(set(), c.held.empty() ? " | " : (*band)(c.held));
+        EXPECT_EQ(" | " + effects(request, reply), held.empty() ? " | " : band(held));
       }
     }
   }
@@ -86,13 +72,13 @@ TEST_F(Guest, ReadsBothRadios) {
             R"("encryption":"wpawpa2-tkipaes","pwd":"guest12345","encry_alg":"aes",)"
             R"("ssid_hide":"1"},{"type":"5g","Switch":0,"ssid":"ZELTO-Guest-5G",)"
             R"("encryption":"wpawpa2","pwd":"","encry_alg":"aes","ssid_hide":""}]})");
-  for (const auto* band : kBands) {
+  for (const auto& band : kBands) {
     for (const std::string key : {"WIFIEnable", "EncrypType", "AuthMode", "WPAPSK2"}) {
       board::reset();
       const bool is_list = key != "WPAPSK2";  // one that ends before the guests' element
-      given_driver(*band, key, kWhole, is_list ? std::optional<std::string>("1") : std::nullopt);
+      given_driver(band, key, kWhole, is_list ? std::optional<std::string>("1") : std::nullopt);
       EXPECT_EQ(ask(R"({"type":"multi_ssid"})"), failed("multi_ssid"));
-      EXPECT_THAT(board::log(), ElementsAre((*band)("<3>lib_conf_get_2G ") + key + " failed!"));
+      EXPECT_THAT(board::log(), ElementsAre(band("<3>lib_conf_get_2G ") + key + " failed!"));
     }
   }
 }
@@ -109,24 +95,29 @@ std::string apply(const std::string& entries) {
   return command("multi_ssid_apply", R"("list":[)" + entries + "]");
 }
 
+// What an entry for 2.4 GHz stores when the schedule leaves the radio free.
+std::string stores(const std::string& on, const std::string& name, const std::string& flag,
+                   const std::string& hidden, const std::string& keys) {
+  return "wifi 2.4G WIFIEnable[1]=" + on + " | uci switch_2g_guest=" + on +
+         ", ssid_2g_guest=Name 2.4g | wifi 2.4G SSID2=" + name + ", WPAPSK2=Key 2.4g | " +
+         "uci hidden_2g_guest=" + flag + " | wifi 2.4G HideSSID[1]=" + hidden + keys + " | ";
+}
+
 TEST_F(Guest, ChangesBothRadiosInEitherOrder) {
-  const auto off_2g = entry("2.4g", 0, "0", "wpawpa2-tkipaes");
-  const auto on_5g = entry("5g", 1, "0", "wpa3");
+  const std::string start = "start wifi_setup.sh wifi_guest_arguments all &";
+  const std::string off_2g = "E9E476DC869F4311CEBA1FB7F6A291E8";
+  const std::string off_5g = "85DCF176FACFF0EADFE394597A324ED5";
+  const auto first = entry("2.4g", 0, "0", "wpawpa2-tkipaes");
+  const auto second = entry("5g", 1, "0", "wpa3");
   const auto security_2g = security("wpawpa2-tkipaes", 1);
   const auto security_5g = security("wpa3", 1);
-  for (const auto& entries : {off_2g + "," + on_5g, on_5g + "," + off_2g}) {
+  for (const auto& entries : {first + "," + second, second + "," + first}) {
     given_schedule("0");
-    EXPECT_EQ(effects(apply(entries), done("multi_ssid_apply")),
-              "wifi 2.4G WIFIEnable[1]=0 | uci switch_2g_guest=0, ssid_2g_guest=Name 2.4g | "
-              "wifi 2.4G SSID2=E9E476DC869F4311CEBA1FB7F6A291E8, WPAPSK2=Key 2.4g | "
-              "uci hidden_2g_guest=0 | wifi 2.4G HideSSID[1]=1, " +
-                  security_2g +
-                  " | wifi 5G WIFIEnable[1]=1 | uci switch_5g_guest=1, ssid_5g_guest=Name 5g | "
-                  "wifi 5G SSID2=Name 5g, WPAPSK2=Key 5g | "
-                  "uci hidden_5g_guest=0 | wifi 5G HideSSID[1]=0, " +
-                  security_5g + " | start wifi_setup.sh wifi_guest_arguments all &");
+    EXPECT_EQ(effects(apply(entries), kDone),
+              stores("0", off_2g, "0", "1", ", " + security_2g) +
+                  k5G(stores("1", "Name 2.4g", "0", "0", ", " + security_5g)) + start);
     given_schedule("1");
-    EXPECT_EQ(effects(apply(entries), done("multi_ssid_apply")),
+    EXPECT_EQ(effects(apply(entries), kDone),
               "uci switch_2g_guest=0, ssid_2g_guest=Name 2.4g | wifi 2.4G WPAPSK2=Key 2.4g | "
               "uci hidden_2g_guest=0 | wifi 2.4G " +
                   security_2g +
@@ -135,17 +126,10 @@ TEST_F(Guest, ChangesBothRadiosInEitherOrder) {
                   security_5g);
   }
   given_schedule("0");
-  for (const auto& [mode, keys] : zelto_test::kSecurity) {
-    EXPECT_EQ(effects(apply(entry("2.4g", 1, "1", mode) + "," + entry("5g", 2, "0", "wpa")),
-                      done("multi_ssid_apply")),
-              "wifi 2.4G WIFIEnable[1]=1 | uci switch_2g_guest=1, ssid_2g_guest=Name 2.4g | "
-              "wifi 2.4G SSID2=Name 2.4g, WPAPSK2=Key 2.4g | "
-              "uci hidden_2g_guest=1 | wifi 2.4G HideSSID[1]=1, " +
-                  security(mode, 1) +
-                  " | wifi 5G WIFIEnable[1]=2 | uci switch_5g_guest=2, ssid_5g_guest=Name 5g | "
-                  "wifi 5G SSID2=85DCF176FACFF0EADFE394597A324ED5, WPAPSK2=Key 5g | "
-                  "uci hidden_5g_guest=0 | wifi 5G HideSSID[1]=1 | "
-                  "start wifi_setup.sh wifi_guest_arguments all &");
+  for (const auto& [mode, keys] : kSecurity) {
+    EXPECT_EQ(effects(apply(entry("2.4g", 1, "1", mode) + "," + entry("5g", 2, "0", "wpa")), kDone),
+              stores("1", "Name 2.4g", "1", "1", ", " + security(mode, 1)) +
+                  k5G(stores("2", off_5g, "0", "1", "")) + start);
   }
 }
 
@@ -158,11 +142,12 @@ TEST_F(Guest, ARequestForBothRadiosMustBeWhole) {
     lists.push_back(whole + "," + part);
   }
   for (const auto& list : lists) {
-    EXPECT_EQ(effects(apply(list), failed("multi_ssid_apply")), "") << list;
+    EXPECT_EQ(effects(apply(list), kFailed), "") << list;
   }
   for (const char* members : {"", R"("list":{})"}) {
-    EXPECT_EQ(effects(command("multi_ssid_apply", members), failed("multi_ssid_apply")), "");
+    EXPECT_EQ(effects(command("multi_ssid_apply", members), kFailed), "");
   }
 }
 
 }  // namespace
+}  // namespace zelto_test

@@ -4,17 +4,10 @@
 
 #include "wireless/wireless_test.h"
 
+namespace zelto_test {
 namespace {
 
-using zelto_test::ask;
-using zelto_test::call;
-using zelto_test::command;
-using zelto_test::k2G;
-using zelto_test::k5G;
-using zelto_test::kBands;
-using zelto_test::kWhole;
-
-class Power : public zelto_test::WirelessTest {};
+class Power : public WirelessTest {};
 
 TEST_F(Power, ReadsTheLevel) {
   const std::pair<std::optional<std::string>, std::string> cases[] = {{"40", R"("pamode":0)"},
@@ -23,21 +16,17 @@ TEST_F(Power, ReadsTheLevel) {
                                                                       {"10", ""},
                                                                       {"", ""},
                                                                       {std::nullopt, ""}};
-  for (const auto* band : kBands) {
+  for (const auto& band : kBands) {
     for (const auto& [power, member] : cases) {
-      given_driver(*band, "TxPower", kWhole, power);
-      EXPECT_EQ(ask((*band)(R"({"type":"getpamode"})")), (*band)(command("getpamode", member)));
+      given_driver(band, "TxPower", kWhole, power);
+      EXPECT_EQ(ask(band(R"({"type":"getpamode"})")), band(command("getpamode", member)));
     }
   }
   EXPECT_THAT(board::log(), testing::IsEmpty());
 }
 
 TEST_F(Power, SetsTheLevelAndTellsTheRadioInEveryCase) {
-  const struct {
-    std::string members;
-    const char* result;
-    std::string stores;
-  } cases[] = {
+  const std::tuple<const char*, const char*, std::string> cases[] = {
       {R"("pamode":0)", R"("result":0)", "wifi 2.4G TxPower=40, PERCENTAGEenable=1 | "},
       {R"("pamode":1)", R"("result":0)", "wifi 2.4G TxPower=60, PERCENTAGEenable=1 | "},
       {R"("pamode":2)", R"("result":0)", "wifi 2.4G TxPower=100, PERCENTAGEenable=0 | "},
@@ -46,21 +35,17 @@ TEST_F(Power, SetsTheLevelAndTellsTheRadioInEveryCase) {
       {R"("pamode":"1")", R"("result":1)", ""},
       {"", R"("result":1)", ""},
   };
-  for (const auto* band : kBands) {
-    for (const auto& c : cases) {
-      EXPECT_EQ(effects((*band)(command("setpamode", c.members)),
-                        (*band)(command("setpamode", c.result))),
-                (*band)(c.stores + "start wifi_setup.sh wifi_txpower 2.4G &"));
+  for (const auto& band : kBands) {
+    for (const auto& [members, result, stores] : cases) {
+      EXPECT_EQ(effects(band(command("setpamode", members)), band(command("setpamode", result))),
+                band(stores + "start wifi_setup.sh wifi_txpower 2.4G &"));
     }
   }
 }
 
 TEST_F(Power, ReadsTheWirelessModes) {
-  const struct {
-    std::optional<std::string> mode_2g;
-    std::optional<std::string> mode_5g;
-    const char* members;
-  } cases[] = {
+  using Mode = std::optional<std::string>;
+  const std::tuple<Mode, Mode, const char*> cases[] = {
       {"9;16", "14;17", R"("twoWifiMode":0,"fiveWifiMode":0)"},
       {"1;1", "17;14", R"("twoWifiMode":0,"fiveWifiMode":1)"},
       {"16", "14", R"("twoWifiMode":1,"fiveWifiMode":0)"},
@@ -70,11 +55,11 @@ TEST_F(Power, ReadsTheWirelessModes) {
       {std::nullopt, "17", R"("fiveWifiMode":1)"},
       {"", std::nullopt, ""},
   };
-  for (const auto& c : cases) {
-    given_driver(k2G, "WirelessMode", kWhole, c.mode_2g);
-    given_driver(k5G, "WirelessMode", kWhole, c.mode_5g);
+  for (const auto& [mode_2g, mode_5g, members] : cases) {
+    given_driver(k2G, "WirelessMode", kWhole, mode_2g);
+    given_driver(k5G, "WirelessMode", kWhole, mode_5g);
     for (const char* type : {"getWifiMode", "any"}) {
-      EXPECT_EQ(call(bs_GetWifiMode, command(type, "").c_str()).reply, command(type, c.members));
+      EXPECT_EQ(call(bs_GetWifiMode, command(type, "").c_str()).reply, command(type, members));
     }
   }
 }
@@ -106,3 +91,4 @@ TEST_F(Power, SetsTheWirelessModes) {
 }
 
 }  // namespace
+}  // namespace zelto_test

@@ -11,14 +11,8 @@
 
 #include "wireless/wireless_test.h"
 
+namespace zelto_test {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using zelto_test::ask;
-using zelto_test::command;
-using zelto_test::done;
-using zelto_test::failed;
 
 constexpr const char* kPath = "/etc/wifi_schedule_list";
 constexpr const char* kReplace =
@@ -26,7 +20,7 @@ constexpr const char* kReplace =
 const std::string kDone = done("wifi_schedule_apply");
 const std::string kFailed = failed("wifi_schedule_apply");
 
-class Schedule : public zelto_test::WirelessTest {
+class Schedule : public WirelessTest {
  protected:
   static void given_list(const std::string& content) { board::write_file(kPath, content); }
 };
@@ -58,9 +52,7 @@ TEST_F(Schedule, ReadsTheList) {
     EXPECT_EQ(ask(R"({"type":"wifi_schedule"})"), shown("0", entries));
   }
   board::remove_file(kPath);
-  EXPECT_EQ(
-      effects(command("wifi_schedule_switch", R"("Switch":"on")"), done("wifi_schedule_switch")),
-      "uci wifi_schedule=on");
+  EXPECT_EQ(set("wifi_schedule_switch", R"("Switch":"on")"), "uci wifi_schedule=on");
   EXPECT_EQ(
       effects(command("wifi_schedule_switch", R"("Switch":1)"), failed("wifi_schedule_switch")),
       "");
@@ -89,30 +81,25 @@ TEST_F(Schedule, AListThatIsTooLongKeepsWholeEntries) {
 }
 
 TEST_F(Schedule, AddsOnceAndDeletesAllThatEqual) {
-  const struct {
-    const char* what;
-    std::string before;
-    const char* action;
-    std::string after;
-    std::string effects = "";
-  } cases[] = {
-      {"first", "", "add", "22:00-06:00 135\n"},
-      {"at the end", "1:00-2:00 67\nshort\n", "add", "1:00-2:00 67\nshort\n22:00-06:00 135\n"},
-      {"there already", "22:00-06:00 135\n", "add", "22:00-06:00 135\n"},
-      {"other days", "22:00-06:00 1357\n", "add", "22:00-06:00 1357\n22:00-06:00 135\n"},
-      {"behind an open line", "1:00-2:00 678", "add", "1:00-2:00 678\n22:00-06:00 135\n"},
-      {"every one", "22:00-06:00 135\n1:00-2:00 67\n22:00-06:00 135\n", "del", "1:00-2:00 67\n",
-       kReplace},
-      {"short lines too", "x\n1:00-2:00 67\n\n", "remove", "1:00-2:00 67\n", kReplace},
-      {"only what equals", "22:00-06:00  135\n22:00-06:00 1357\n", "ADD",
-       "22:00-06:00  135\n22:00-06:00 1357\n", kReplace},
-      {"the last", "22:00-06:00 135\n", "", "", kReplace},
+  const std::tuple<const char*, std::string, std::string> cases[] = {
+      {"add", "", "22:00-06:00 135\n"},
+      {"add", "1:00-2:00 67\nshort\n", "1:00-2:00 67\nshort\n22:00-06:00 135\n"},
+      {"add", "22:00-06:00 135\n", "22:00-06:00 135\n"},
+      {"add", "22:00-06:00 1357\n", "22:00-06:00 1357\n22:00-06:00 135\n"},
+      // Behind a line without an end.
+      {"add", "1:00-2:00 678", "1:00-2:00 678\n22:00-06:00 135\n"},
+      {"del", "22:00-06:00 135\n1:00-2:00 67\n22:00-06:00 135\n", "1:00-2:00 67\n"},
+      // Lines too short to be an entry go with it.
+      {"remove", "x\n1:00-2:00 67\n\n", "1:00-2:00 67\n"},
+      {"ADD", "22:00-06:00  135\n22:00-06:00 1357\n", "22:00-06:00  135\n22:00-06:00 1357\n"},
+      {"", "22:00-06:00 135\n", ""},
   };
-  for (const auto& c : cases) {
-    given_list(c.before);
-    EXPECT_EQ(effects(change(c.action, "22:00-06:00", "135"), kDone), c.effects) << c.what;
-    EXPECT_EQ(board::read_file(kPath), c.after) << c.what;
-    EXPECT_TRUE(std::filesystem::exists(kPath)) << c.what;
+  for (const auto& [action, before, after] : cases) {
+    given_list(before);
+    EXPECT_EQ(effects(change(action, "22:00-06:00", "135"), kDone),
+              action == std::string("add") ? "" : kReplace);
+    EXPECT_EQ(board::read_file(kPath), after) << before;
+    EXPECT_TRUE(std::filesystem::exists(kPath)) << before;
   }
   EXPECT_THAT(board::log(), IsEmpty());
 }
@@ -144,7 +131,7 @@ TEST_F(Schedule, TellsWhichFileFailedAndKeepsTheList) {
   const auto del = change("del", "22:00-06:00", "135");
   given_list(content);
   ask(R"({"type":"wifi_schedule_switch","Switch":"\n"})");  // the log keeps its socket
-  const auto descriptors = zelto_test::open_descriptors();
+  const auto descriptors = open_descriptors();
 
   ASSERT_EQ(mount(kPath, kPath, nullptr, MS_BIND, nullptr), 0);
   ASSERT_EQ(mount(nullptr, kPath, nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
@@ -170,30 +157,26 @@ TEST_F(Schedule, TellsWhichFileFailedAndKeepsTheList) {
                                         "<3>fopen /tmp/wifi_schedule_list for write error!",
                                         "<3>fopen /etc/wifi_schedule_list for read error!",
                                         "<3>fopen /etc/wifi_schedule_list for read error!"));
-  EXPECT_EQ(zelto_test::open_descriptors(), descriptors);
+  EXPECT_EQ(open_descriptors(), descriptors);
 }
 
 // Each process adds entries of its own and takes every other one away again.
 TEST_F(Schedule, ManyAtOnceLoseNothing) {
-  constexpr int kProcesses = 8;
   constexpr int kRounds = 6;
   std::vector<pid_t> children;
   std::vector<std::string> expected;
-  for (int process = 0; process < kProcesses; ++process) {
-    const auto period = [process](int round) {
-      return std::to_string(process) + ":0" + std::to_string(round) + "-06:00";
-    };
-    for (int round = 0; round < kRounds; round += 2) expected.push_back(period(round) + " 12345");
+  for (const std::string process : {"1:0", "2:0", "3:0", "4:0", "5:0", "6:0"}) {
     const pid_t child = fork();
     ASSERT_GE(child, 0);
-    if (child == 0) {
-      bool succeeded = true;
-      for (int round = 0; round < kRounds; ++round) {
-        succeeded &= ask(change("add", period(round), "12345")) == kDone;
-        if (round % 2 == 1) succeeded &= ask(change("del", period(round), "12345")) == kDone;
-      }
-      _exit(succeeded ? 0 : 1);
+    bool succeeded = true;
+    for (int round = 0; round < kRounds; ++round) {
+      const auto period = process + std::to_string(round) + "-06:00";
+      if (round % 2 == 0) expected.push_back(period + " 12345");
+      if (child != 0) continue;
+      succeeded &= ask(change("add", period, "12345")) == kDone;
+      if (round % 2 == 1) succeeded &= ask(change("del", period, "12345")) == kDone;
     }
+    if (child == 0) _exit(succeeded ? 0 : 1);
     children.push_back(child);
   }
   for (const pid_t child : children) {
@@ -208,3 +191,4 @@ TEST_F(Schedule, ManyAtOnceLoseNothing) {
 }
 
 }  // namespace
+}  // namespace zelto_test

@@ -6,32 +6,32 @@
 
 namespace zelto_test {
 
-const Band k2G = {"/etc/wireless/mt7628/mt7628.dat", lib_conf_get_2G, lib_conf_set_2G, false};
-const Band k5G = {"/etc/wireless/mt7663/mt7663.dat", lib_conf_get_5G, lib_conf_set_5G, true};
+const Band kBands[2] = {
+    {"/etc/wireless/mt7628/mt7628.dat", lib_conf_get_2G, lib_conf_set_2G, false},
+    {"/etc/wireless/mt7663/mt7663.dat", lib_conf_get_5G, lib_conf_set_5G, true},
+};
 
 namespace {
 
-constexpr std::pair<const char*, const char*> kTwins[] = {
-    {"wifi 2.4G ", "wifi 5G "},
-    {"ZELTO-2.4G", "ZELTO-5G"},
-    {"ZELTO-Guest", "ZELTO-Guest-5G"},
-    {"2.4G", "5.8G"},
-    {"_2g", "_5g"},
-    {" ra0", " rai0"},
-    {"get_2G", "get_5G"},
-    {"wlancfg", "5wlancfg"},
-    {"switchwifi", "5switchwifi"},
-    {"2gswitch", "5gswitch"},
-    {"hide2", "hide5"},
-    {"2channel", "5channel"},
-    {"visitorinfo", "visitor5info"},
-    {"pamode", "pa5mode"},
-    {"wlanssid", "wlan5ssid"},
-    {"wlanpsw", "wlan5psw"},
-    {"gssid", "g5ssid"},
-    {"gpsw", "g5psw"},
-    {"095460F1071109BBE3C7E494BBBC8BDE", "C7CBAF4186660BA55327A196D352A33D"},
-};
+constexpr std::string_view kTwins[] = {"wifi 2.4G >wifi 5G ",
+                                       "ZELTO-2.4G>ZELTO-5G",
+                                       "ZELTO-Guest>ZELTO-Guest-5G",
+                                       "2.4G>5.8G",
+                                       "2.4g>5g",
+                                       "_2g>_5g",
+                                       " ra0> rai0",
+                                       "get_2G>get_5G",
+                                       "wlancfg>5wlancfg",
+                                       "switchwifi>5switchwifi",
+                                       "2gswitch>5gswitch",
+                                       "hide2>hide5",
+                                       "2channel>5channel",
+                                       "visitorinfo>visitor5info",
+                                       "pamode>pa5mode",
+                                       "wlanssid>wlan5ssid",
+                                       "wlanpsw>wlan5psw",
+                                       "gssid>g5ssid",
+                                       "gpsw>g5psw"};
 
 void replace_all(std::string& text, const std::string& from, const std::string& to) {
   for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
@@ -43,7 +43,11 @@ void replace_all(std::string& text, const std::string& from, const std::string& 
 
 std::string Band::operator()(std::string text) const {
   if (!is_twin) return text;
-  for (const auto& [word, other] : kTwins) replace_all(text, word, other);
+  for (const auto twins : kTwins) {
+    const auto end = twins.find('>');
+    replace_all(text, std::string(twins.substr(0, end)), std::string(twins.substr(end + 1)));
+  }
+  replace_all(text, kOff2G, kOff5G);
   return text;
 }
 

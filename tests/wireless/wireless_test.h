@@ -3,11 +3,19 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "support/router_test.h"
 
 namespace zelto_test {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
 
 // A band: its driver profile, and how its commands spell what is written here for 2.4 GHz
 // (requests, replies, effects, log lines) when they are twins.
@@ -19,9 +27,13 @@ struct Band {
 
   std::string operator()(std::string text) const;
 };
-extern const Band k2G;
-extern const Band k5G;
-constexpr std::array<const Band*, 2> kBands = {&k2G, &k5G};
+extern const Band kBands[2];
+inline const Band& k2G = kBands[0];
+inline const Band& k5G = kBands[1];
+
+// The names that a main network off the air has.
+constexpr const char* kOff2G = "095460F1071109BBE3C7E494BBBC8BDE";
+constexpr const char* kOff5G = "C7CBAF4186660BA55327A196D352A33D";
 
 constexpr int kWhole = -1;
 
@@ -63,6 +75,12 @@ class WirelessTest : public RouterTest {
 
   // The effects of a request that must get this reply.
   static std::string effects(const std::string& request, const std::string& reply);
+
+  // The effects of a command that must succeed.
+  static std::string set(const std::string& type, const std::string& members,
+                         const Band& band = k2G) {
+    return effects(band(command(type, members)), band(done(type)));
+  }
 };
 
 }  // namespace zelto_test
