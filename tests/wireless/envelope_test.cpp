@@ -1,7 +1,9 @@
 // Where the wireless commands keep to the common rules, and where each departs from them.
 
 #include <filesystem>
+#include <iterator>
 #include <set>
+#include <sstream>
 
 #include <zelto/wireless.h>
 
@@ -21,6 +23,11 @@ const std::string kTuneAll = kStart + "wifi_model;wifi_setup.sh wifi_channel all
 const std::string kGuest = kStart + "wifi_guest_arguments ";
 const std::string kPower = kStart + "wifi_txpower ";
 
+std::vector<std::string> words(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
 // Every command; those that answer alike stand together.
 const struct {
   std::vector<std::string> types;
@@ -28,17 +35,14 @@ const struct {
   std::string always = "";  // runs whatever "type" is
   const char* unparsed_log = kUsual;
 } kCommands[] = {
-    {{"getwlancfgall", "setwlancfgall", "getchannelall", "get2channel", "get5channel",
-      "getvisitorinfo", "getvisitor5info", "multi_ssid", "multi_ssid_apply", "getpamode",
-      "getpa5mode", "wifi_schedule_apply", "wifi_schedule_switch"}},
-    {{"getwlancfg", "get5wlancfg", "getswitchwifi", "get5switchwifi", "setswitchwifi",
-      "set5switchwifi"},
-     Type::kOwn,
-     "",
-     kSilence},
-    {{"setwlancfg", "set5wlancfg"}, Type::kOwnOrSilence, "", kSilence},
-    {{"set2gswitch", "set5gswitch", "setAllswitch", "gethide2", "gethide5", "sethide2", "sethide5",
-      "sethideall", "set2channel", "set5channel", "getWifiMode", "setWifiMode"},
+    {words("getwlancfgall setwlancfgall getchannelall get2channel get5channel getvisitorinfo "
+           "getvisitor5info multi_ssid multi_ssid_apply getpamode getpa5mode wifi_schedule_apply "
+           "wifi_schedule_switch")},
+    {words("getwlancfg get5wlancfg getswitchwifi get5switchwifi setswitchwifi set5switchwifi"),
+     Type::kOwn, "", kSilence},
+    {words("setwlancfg set5wlancfg"), Type::kOwnOrSilence, "", kSilence},
+    {words("set2gswitch set5gswitch setAllswitch gethide2 gethide5 sethide2 sethide5 sethideall "
+           "set2channel set5channel getWifiMode setWifiMode"),
      Type::kEchoed},
     {{"setchannelall"}, Type::kEchoed, kTuneAll},
     {{"setvisitorinfo"}, Type::kOwn, kGuest + "2.4G &"},

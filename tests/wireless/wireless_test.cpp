@@ -1,6 +1,7 @@
 #include "wireless/wireless_test.h"
 
 #include <regex>
+#include <sstream>
 
 #include <platform/wifi_conf.h>
 
@@ -13,25 +14,12 @@ const Band kBands[2] = {
 
 namespace {
 
-constexpr std::string_view kTwins[] = {"wifi 2.4G >wifi 5G ",
-                                       "ZELTO-2.4G>ZELTO-5G",
-                                       "ZELTO-Guest>ZELTO-Guest-5G",
-                                       "2.4G>5.8G",
-                                       "2.4g>5g",
-                                       "_2g>_5g",
-                                       " ra0> rai0",
-                                       "get_2G>get_5G",
-                                       "wlancfg>5wlancfg",
-                                       "switchwifi>5switchwifi",
-                                       "2gswitch>5gswitch",
-                                       "hide2>hide5",
-                                       "2channel>5channel",
-                                       "visitorinfo>visitor5info",
-                                       "pamode>pa5mode",
-                                       "wlanssid>wlan5ssid",
-                                       "wlanpsw>wlan5psw",
-                                       "gssid>g5ssid",
-                                       "gpsw>g5psw"};
+// What 2.4 GHz has, and 5 GHz in its place.
+constexpr const char* kTwins =
+    "wifi 2.4G >wifi 5G |ZELTO-2.4G>ZELTO-5G|ZELTO-Guest>ZELTO-Guest-5G|2.4G>5.8G|2.4g>5g|_2g>_5g|"
+    " ra0> rai0|get_2G>get_5G|wlancfg>5wlancfg|switchwifi>5switchwifi|2gswitch>5gswitch|"
+    "hide2>hide5|2channel>5channel|visitorinfo>visitor5info|pamode>pa5mode|wlanssid>wlan5ssid|"
+    "wlanpsw>wlan5psw|gssid>g5ssid|gpsw>g5psw|";
 
 void replace_all(std::string& text, const std::string& from, const std::string& to) {
   for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
@@ -43,9 +31,10 @@ void replace_all(std::string& text, const std::string& from, const std::string& 
 
 std::string Band::operator()(std::string text) const {
   if (!is_twin) return text;
-  for (const auto twins : kTwins) {
-    const auto end = twins.find('>');
-    replace_all(text, std::string(twins.substr(0, end)), std::string(twins.substr(end + 1)));
+  std::istringstream twins(kTwins);
+  for (std::string word, other;
+       std::getline(twins, word, '>') && std::getline(twins, other, '|');) {
+    replace_all(text, word, other);
   }
   replace_all(text, kOff2G, kOff5G);
   return text;
