@@ -135,7 +135,7 @@ ZELTO_API int bs_GetParentalInfo(const char* request, char* out);
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", no "cfg_type", a rule that is refused; or the list cannot be
- *           added to (logged, "fopen /etc/parental_list for add error!")
+ *           rewritten or added to (logged)
  * @unparsed -1, logs "json data is NULL!"
  * @effects  twice run mv /tmp/parental_list /etc/parental_list
  * @example  {"type":"setparentalinfo","cfg_type":"add","alias":"school nights","devname":"tablet",
@@ -315,8 +315,8 @@ ZELTO_API int del_mac_from_firewall(const char* mac);
  * @request  alias string required  the name; blanks are kept
  * @reply    result number
  * @result   0 done
- * @result   1 wrong or missing "type", a missing or refused member; or the list cannot be added to
- *           (logged)
+ * @result   1 wrong or missing "type", a missing or refused member; or the list cannot be rewritten
+ *           or added to (logged)
  * @unparsed -1, logs "json data is NULL!"
  * @effects  run mv /tmp/mac_alias_list /etc/mac_alias_list
  * @example  {"type":"setalias","mac":"02:AA:00:00:00:03","alias":"kitchen tablet"} =>

@@ -748,8 +748,9 @@ ZELTO_API int bs_GetForwardingInfo(const char* request, char* out);
  *           that is missing
  * @reply    result number
  * @result   0 done
- * @result   1 wrong or missing "type", or a rule that is refused; or the list cannot be added to
- *           (logged, "fopen /etc/port_forward_list for add error!"): copies are removed already
+ * @result   1 wrong or missing "type", or a rule that is refused; or the list cannot be rewritten
+ *           (logged): nothing was changed; or it cannot be added to (logged): copies are removed
+ *           already
  * @unparsed -1, logs "json data is NULL!"
  * @effects  for each of the two names run mv /tmp/port_forward_list /etc/port_forward_list; uci del
  *           firewall.redirectN

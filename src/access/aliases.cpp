@@ -26,13 +26,13 @@ constexpr ListFile kAliases = {
 constexpr std::size_t kLongestMac = 23;
 constexpr std::size_t kLongestLine = 319;  // what readers take, the line end included
 
-bool remove_alias(const ChangeLock& lock, const std::string& mac) {
+Outcome remove_alias(const ChangeLock& lock, const std::string& mac) {
   const auto outcome = list_file::rewrite(lock, kAliases, [&](const std::string& record) {
     return text::two_words(record).first != mac;
   });
   if (outcome == Outcome::kNotRead) log::error("fopen /etc/mac_alias_list for del error!\n");
   if (outcome == Outcome::kNotWritten) log::error("fopen /tmp/mac_alias_list for del error!\n");
-  return outcome == Outcome::kDone;
+  return outcome;
 }
 
 int change(const Request& request) {
@@ -46,7 +46,8 @@ int change(const Request& request) {
     return kFailed;
   }
   const ChangeLock lock;
-  remove_alias(lock, std::string(*mac));
+  // An alias that stays must not get another beside it.
+  if (remove_alias(lock, std::string(*mac)) == Outcome::kNotWritten) return kFailed;
   if (list_file::append(lock, kAliases, record) == Outcome::kDone) return kDone;
   log::error("fopen /etc/mac_alias_list for add error!\n");
   return kFailed;
@@ -59,7 +60,7 @@ using namespace zelto;
 
 int alias_name_del(const char* mac) {
   if (mac == nullptr) return 0;
-  return guarded(0, [&] { return remove_alias(ChangeLock(), mac) ? 1 : 0; });
+  return guarded(0, [&] { return remove_alias(ChangeLock(), mac) == Outcome::kDone ? 1 : 0; });
 }
 
 int bs_SetAlias(const char* request, char* out) {

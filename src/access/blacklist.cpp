@@ -153,6 +153,7 @@ int change(const Request& request) {
 using namespace zelto;
 
 int find_mac_from_blacklist(const char* mac) {
+  if (mac == nullptr) return 0;
   return guarded(-1, [&] {
     const auto records = list_file::read(kBlacklist);
     if (!records) {

@@ -48,20 +48,22 @@ constexpr std::size_t kLongestWord = 23;
 constexpr std::size_t kLongestLine = 319;  // what readers take, the line end included
 constexpr const char* kUnknownDevice = "unknow";
 
-// True when the list was rewritten without the rules of a name, the others in their plain form.
-bool remove_rules(const list_file::ChangeLock& lock, const std::string& alias) {
+// Rewrites the list without the rules of a name, the others in their plain form.
+list_file::Outcome remove_rules(const list_file::ChangeLock& lock, const std::string& alias) {
   const auto rules = read_rules();
   if (!rules) {
     log::error("fopen /etc/parental_list for del error!\n");
-    return false;
+    return list_file::Outcome::kNotRead;
   }
   std::vector<std::string> kept;
   for (const auto& rule : *rules) {
     if (rule.alias != alias) kept.push_back(print(rule));
   }
-  if (list_file::prepare(lock, kList, kept) && list_file::replace(kList)) return true;
+  if (list_file::prepare(lock, kList, kept) && list_file::replace(kList)) {
+    return list_file::Outcome::kDone;
+  }
   log::error("fopen /tmp/parental_list for del error!\n");
-  return false;
+  return list_file::Outcome::kNotWritten;
 }
 
 // ---- getparentalinfo
@@ -112,7 +114,9 @@ int change_rules(const Request& request) {
   }
   const list_file::ChangeLock lock;
   for (const char* member : {"alias", "alias_old"}) {
-    remove_rules(lock, names::encode(request.text(member).value_or("")));
+    // A rule that stays must not get another beside it.
+    const auto outcome = remove_rules(lock, names::encode(request.text(member).value_or("")));
+    if (outcome == list_file::Outcome::kNotWritten) return kFailed;
   }
   if (!adds) return kDone;
   if (list_file::append(lock, kList, print(*rule)) == list_file::Outcome::kDone) return kDone;
@@ -150,7 +154,10 @@ int parental_name_exist(const char* alias) {
 
 int parental_name_del(const char* alias) {
   if (alias == nullptr) return 0;
-  return guarded(0, [&] { return remove_rules(list_file::ChangeLock(), alias) ? 1 : 0; });
+  return guarded(0, [&] {
+    const auto outcome = remove_rules(list_file::ChangeLock(), alias);
+    return outcome == list_file::Outcome::kDone ? 1 : 0;
+  });
 }
 
 int set_parental_state(const char* state) {

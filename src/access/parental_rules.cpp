@@ -197,6 +197,7 @@ int get_new_parental_accept_id() {
 }
 
 void del_parental_accept_mac(const char* alias) {
+  if (alias == nullptr) return;
   run_guarded([&] {
     for (int number = 0; number < kAcceptSectionsSearched; ++number) {
       const auto name = accept_name(number);
@@ -208,6 +209,7 @@ void del_parental_accept_mac(const char* alias) {
 }
 
 void handle_parental_reject_mac(const char* mac) {
+  if (mac == nullptr) return;
   run_guarded([&] {
     unbuild_reject_sections(kAddition, [&](std::vector<std::string>& macs) {
       if (std::find(macs.begin(), macs.end(), mac) == macs.end()) macs.emplace_back(mac);
@@ -220,6 +222,7 @@ void set_parental_reject_list() {
 }
 
 void del_parental_reject_mac(const char* mac) {
+  if (mac == nullptr) return;
   run_guarded([&] {
     unbuild_reject_sections(kRemoval, [&](std::vector<std::string>& macs) {
       const auto found = std::find(macs.begin(), macs.end(), mac);
@@ -233,6 +236,7 @@ void set_parental_reject_list_del() {
 }
 
 void deal_with_parental_reject_mac(const char* mac) {
+  if (mac == nullptr) return;
   run_guarded([&] {
     const auto rules = read_rules_or_log();
     if (!rules) return;
@@ -245,10 +249,12 @@ void deal_with_parental_reject_mac(const char* mac) {
 }
 
 void record_set_mac(const char* mac) {
+  if (mac == nullptr) return;
   run_guarded([&] { files::write_all(kSeenMacs, std::string(mac) + "\n", "ae"); });
 }
 
 int find_set_mac(const char* mac) {
+  if (mac == nullptr) return 0;
   return guarded(0, [&] {
     for (const auto& seen : read_macs(kSeenMacs).value_or(std::vector<std::string>())) {
       if (seen.find(mac) != std::string::npos) return 1;

@@ -84,12 +84,12 @@ std::string print(const Rule& rule) {
   return line;
 }
 
-bool remove_lines(const ChangeLock& lock, const std::string& name) {
+Outcome remove_lines(const ChangeLock& lock, const std::string& name) {
   const auto outcome = list_file::rewrite(
       lock, kRules, [&](const std::string& record) { return name_of(record) != name; });
   if (outcome == Outcome::kNotRead) log::error("fopen /etc/port_forward_list for del error!\n");
   if (outcome == Outcome::kNotWritten) log::error("fopen /tmp/port_forward_list for del error!\n");
-  return outcome == Outcome::kDone;
+  return outcome;
 }
 
 // ---- the sections
@@ -223,7 +223,10 @@ void change_rules(const Request& request, Reply& reply) {
   }
   const auto names = names_to_remove(request);
   const ChangeLock lock;
-  for (const auto& name : names) remove_lines(lock, name);
+  for (const auto& name : names) {
+    // A copy that stays must not get another beside it.
+    if (remove_lines(lock, name) == Outcome::kNotWritten) return reply.result(kFailed);
+  }
   for (const auto& name : names) remove_sections(name);
   if (adds) {
     if (list_file::append(lock, kRules, print(*rule)) != Outcome::kDone) {
@@ -258,7 +261,7 @@ int forward_name_exist(const char* name) {
 
 int forward_name_del(const char* name) {
   if (name == nullptr) return 0;
-  return guarded(0, [&] { return remove_lines(ChangeLock(), name) ? 1 : 0; });
+  return guarded(0, [&] { return remove_lines(ChangeLock(), name) == Outcome::kDone ? 1 : 0; });
 }
 
 int get_new_redirect_id() {
