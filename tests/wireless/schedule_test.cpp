@@ -7,8 +7,6 @@
 #include <filesystem>
 #include <sstream>
 
-#include <zelto/zeltoapi.h>
-
 #include "wireless/wireless_test.h"
 
 namespace zelto_test {
@@ -60,24 +58,6 @@ TEST_F(Schedule, ReadsTheList) {
   given_route("wifi_schedule", std::nullopt);
   EXPECT_EQ(ask(R"({"type":"wifi_schedule"})"), shown("0", ""));
   EXPECT_THAT(board::log(), IsEmpty());
-}
-
-TEST_F(Schedule, AListThatIsTooLongKeepsWholeEntries) {
-  std::string content;
-  std::string entries;
-  for (int number = 100; number < 700; ++number) {
-    const auto period = std::to_string(number) + "00-06:00";
-    content += period + " 1234567\n";
-    entries += R"({"period":")" + period + R"(","week":"1234567"},)";
-  }
-  given_list(content);
-  const auto reply = ask(R"({"type":"wifi_schedule"})");
-  EXPECT_LT(reply.size(), std::size_t{ZELTO_REPLY_SIZE});
-  EXPECT_GT(reply.size(), std::size_t{ZELTO_REPLY_SIZE - 150}) << "no more is cut than must be";
-  EXPECT_TRUE(reply.ends_with("\"}]}"));
-  const auto same = reply.size() - 2;
-  EXPECT_EQ(reply.substr(0, same), shown("0", entries).substr(0, same));
-  EXPECT_THAT(board::log(), testing::SizeIs(1));
 }
 
 TEST_F(Schedule, AddsOnceAndDeletesAllThatEqual) {
