@@ -1,11 +1,5 @@
 // The user's own resolvers, the WAN's MAC address, IPv6 and IPTV.
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
-#include <thread>
-
 #include <zelto/network.h>
 
 #include "support/router_test.h"
@@ -64,23 +58,30 @@ TEST_F(InternetSettings, AllRefuseWhatIsNotTheirs) {
   }
 }
 
-// ---- resolvers
-
-TEST_F(InternetSettings, ShowsTheResolvers) {
+TEST_F(InternetSettings, ShowsResolversAndIptvPortsFromAnyText) {
   const struct {
-    std::optional<std::string> pair;
+    std::optional<std::string> text;
     std::optional<std::string> state;
-    const char* members;
+    std::string members;
   } cases[] = {
       {std::nullopt, std::nullopt, R"("dns1":"","dns2":"","status":"0"})"},
       {"9.9.9.9 1.1.1.1", "1", R"("dns1":"9.9.9.9","dns2":"1.1.1.1","status":"1"})"},
       {"9.9.9.9", "-2x", R"("dns1":"9.9.9.9","dns2":"","status":"1"})"},
       {" 1.1.1.1", "on", R"("dns1":"","dns2":"1.1.1.1","status":"0"})"},
+      {"4,3,2,1", "1", R"("enable":1,"lan4":4,"lan3":3,"lan2":2,"lan1":1,"tag":85})"},
+      {"4,3", "0", R"("enable":0,"lan4":4,"lan3":3,"lan2":0,"lan1":0,"tag":85})"},
+      {"4,,2,1,9", "2", R"("enable":2,"lan4":4,"lan3":0,"lan2":2,"lan1":1,"tag":85})"},
+      {std::nullopt, std::nullopt, R"("enable":0,"lan4":0,"lan3":0,"lan2":0,"lan1":0,"tag":85})"},
   };
   for (const auto& c : cases) {
-    given("system", "route", "advanced_dns", c.pair);
+    const bool is_iptv = c.members.starts_with("\"enable");
+    given("system", "route", "advanced_dns", c.text);
     given("system", "route", "advanced_dns_switch", c.state);
-    EXPECT_EQ(ask(R"({"type":"getdnsinfo"})"), std::string(R"({"type":"getdnsinfo",)") + c.members);
+    given("iptv", "config", "ports", c.text);
+    given("iptv", "config", "enable", c.state);
+    const std::string begin =
+        R"({"type":")" + std::string(is_iptv ? "getiptvinfo\"" : "getdnsinfo\"");
+    EXPECT_EQ(ask(begin + "}"), begin + "," + c.members);
   }
 }
 
@@ -136,8 +137,6 @@ TEST_F(InternetSettings, ResolversAreReadAsANumberAndHaveToFit) {
   EXPECT_EQ(stored("network", "wan", "dns"), std::string(30, '1') + " " + std::string(32, '2'));
 }
 
-// ---- MAC address of the WAN
-
 TEST_F(InternetSettings, ListsTheAddressesToClone) {
   const std::string begin =
       R"({"type":"getsubmaclist","self":"02:00:00:00:00:09","clonemac":"02:5A:10:20:30:02")";
@@ -160,19 +159,6 @@ TEST_F(InternetSettings, ListsTheAddressesToClone) {
   EXPECT_THAT(board::log(), testing::SizeIs(1));
 }
 
-TEST_F(InternetSettings, WaitsForTheWriterOfTheTerminalList) {
-  board::write_file("/tmp/terminal_list", "");
-  const int lock = open("/etc/terminal_lock_file", O_RDWR | O_CLOEXEC);
-  ASSERT_EQ(flock(lock, LOCK_EX), 0);
-  std::string reply;
-  std::thread reader([&] { reply = ask(R"({"type":"getsubmaclist"})"); });
-  usleep(50'000);
-  board::write_file("/tmp/terminal_list", "1.2.3.4 02:AA:00:00:00:07 0 0 0 ra0 x 0 0\n");
-  close(lock);
-  reader.join();
-  EXPECT_THAT(reply, HasSubstr(R"("list":[{"mac":"02:AA:00:00:00:07"}])"));
-}
-
 TEST_F(InternetSettings, RemembersTheOwnAddressBeforeTheFirstClone) {
   const std::string own = "02:5A:10:20:30:02";
   const std::string remember = "uci set network.wan.defmacaddr=" + own;
@@ -188,8 +174,6 @@ TEST_F(InternetSettings, RemembersTheOwnAddressBeforeTheFirstClone) {
   expect("setclonemac", R"("mac":")" + std::string(32, 'A') + "\"", 1, {kRestart});
   EXPECT_THAT(board::log(), testing::SizeIs(2));
 }
-
-// ---- IPv6
 
 TEST_F(InternetSettings, ShowsTheUplinksIpv6Addresses) {
   const auto add = [](const char* address, const char* interface) {
@@ -241,27 +225,6 @@ TEST_F(InternetSettings, StoresWhichIpv6SettingsAreSent) {
   expect("setipv6info", R"("ipv6_passthrough":"1","lantype":"0\n1")", 1, {});
 }
 
-// ---- IPTV
-
-TEST_F(InternetSettings, ReadsFourPortsFromAnyText) {
-  const struct {
-    std::optional<std::string> enable;
-    std::optional<std::string> ports;
-    const char* members;
-  } cases[] = {
-      {"1", "4,3,2,1", R"("enable":1,"lan4":4,"lan3":3,"lan2":2,"lan1":1,"tag":85})"},
-      {"0", "4,3", R"("enable":0,"lan4":4,"lan3":3,"lan2":0,"lan1":0,"tag":85})"},
-      {"2", "4,,2,1,9", R"("enable":2,"lan4":4,"lan3":0,"lan2":2,"lan1":1,"tag":85})"},
-      {std::nullopt, std::nullopt, R"("enable":0,"lan4":0,"lan3":0,"lan2":0,"lan1":0,"tag":85})"},
-  };
-  for (const auto& c : cases) {
-    given("iptv", "config", "enable", c.enable);
-    given("iptv", "config", "ports", c.ports);
-    EXPECT_EQ(ask(R"({"type":"getiptvinfo"})"),
-              std::string(R"({"type":"getiptvinfo",)") + c.members);
-  }
-}
-
 TEST_F(InternetSettings, SwitchesIptv) {
   constexpr const char* kPortMap =
       "start lua /sbin/svctl.lua set_iptv_portmap;ubus call network.interface.wan down;sleep 3;"
@@ -280,10 +243,10 @@ TEST_F(InternetSettings, SwitchesIptv) {
 
   // What cannot be done restarts all the same.
   expect("setiptvinfo", R"("enable":"1","tag":"7",)" + ports, 1, {kNetworkRestart});
-  expect("setiptvinfo", R"("enable":1,)" + ports, 1, {kPortMap});
-  expect("setiptvinfo", R"("enable":1,"tag":7,)" + ports, 1, {kPortMap});
-  expect("setiptvinfo", R"("enable":1,"tag":"7\n",)" + ports, 1, {kPortMap});
-  expect("setiptvinfo", R"("enable":1,"tag":"7","lan1":1,"lan2":2,"lan3":3)", 1, {kPortMap});
+  for (const auto& rest : {ports, R"("tag":7,)" + ports, R"("tag":"7\n",)" + ports,
+                           std::string(R"("tag":"7","lan1":1,"lan2":2,"lan3":3)")}) {
+    expect("setiptvinfo", R"("enable":1,)" + rest, 1, {kPortMap});
+  }
   board::clear_journal();
   call(bs_SetIptvInfo, R"({"type":"other","enable":1})");
   EXPECT_THAT(board::journal(), ElementsAre(kPortMap));

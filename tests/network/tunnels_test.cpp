@@ -2,17 +2,17 @@
 
 #include <zelto/network.h>
 
+#include "support/effects.h"
 #include "support/router_test.h"
 
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using zelto_test::ask;
 using zelto_test::call;
-
-using Lines = std::vector<std::string>;
+using zelto_test::expect_effects;
+using zelto_test::with;
 
 constexpr const char* kRestart =
     "start /etc/init.d/network set_wan_quick;killall -USR2 udhcpc;killall -USR1 udhcpc;"
@@ -25,24 +25,17 @@ struct Twin {
   CommandHandler set;
   std::string prefix;
   std::string section;
-  Lines first_writes;
+  std::string first_writes;
 };
-const Lines kPptpFirst = {"uci add network.PPTP=interface", "uci set network.PPTP.proto=pptp",
-                          "uci set system.route.conntype=pptp"};
-const Lines kL2tpFirst = {"uci set system.route.conntype=l2tp", "uci add network.L2TP=interface",
-                          "uci set network.L2TP.proto=l2tp"};
+constexpr const char* kPptpFirst =
+    "uci add network.PPTP=interface\nuci set {network.PPTP.proto, system.route.conntype}=pptp";
+constexpr const char* kL2tpFirst =
+    "uci set system.route.conntype=l2tp\n"
+    "uci {add network.L2TP=interface, set network.L2TP.proto=l2tp}";
 const Twin kTwins[] = {
     {"pptp", bs_GetPptpInfo, bs_SetPptpInfo, "pp_", "PPTP", kPptpFirst},
     {"l2tp", bs_GetL2tpInfo, bs_SetL2tpInfo, "l2_", "L2TP", kL2tpFirst},
 };
-
-void swap_words(std::string& line, const std::string& one, const std::string& other) {
-  if (const auto at = line.find(one); at != std::string::npos) {
-    line.replace(at, one.size(), other);
-  } else if (const auto there = line.find(other); there != std::string::npos) {
-    line.replace(there, other.size(), one);
-  }
-}
 
 class Tunnel : public zelto_test::RouterTest, public testing::WithParamInterface<Twin> {
  protected:
@@ -71,21 +64,15 @@ class Tunnel : public zelto_test::RouterTest, public testing::WithParamInterface
     given("internet", "pptp_l2tp", (tunnel.prefix + "Switch").c_str(), "on");
   }
 
-  // Effects told in the words of PPTP, in those of the twin. FIRST stands for its first writes.
-  Lines effects(const Lines& of_pptp) const {
-    Lines all;
-    for (std::string line : of_pptp) {
-      if (line == "FIRST") {
-        all.insert(all.end(), twin().first_writes.begin(), twin().first_writes.end());
-        continue;
-      }
-      if (twin().name == "l2tp") {
-        swap_words(line, "pp_", "l2_");
-        swap_words(line, "PPTP", "L2TP");
-      }
-      all.push_back(line);
-    }
-    return all;
+  // The words that stand for the tunnel and the other one.
+  void expect(const std::string& effects, const std::string& of) const {
+    expect_effects(with(effects, {{"<first>", twin().first_writes},
+                                  {"<own>", twin().prefix},
+                                  {"<other>", other().prefix},
+                                  {"<OWN>", twin().section},
+                                  {"<OTHER>", other().section}}) +
+                       kRestart,
+                   of);
   }
 };
 
@@ -99,35 +86,22 @@ TEST_P(Tunnel, TakesThePlaceOfEverythingThatWasOn) {
       R"("MTU":"1400","netmode":"Static","staticip":"10.1.1.2","staticmask":"255.0.0.0",)"
       R"("staticgateway":"10.1.1.1")";
   EXPECT_EQ(set(members), 0);
-  const auto expected = effects({"uci del network.wan.dns",
-                                 "uci set internet.pptp_l2tp.pp_staticip=10.1.1.2",
-                                 "uci set internet.pptp_l2tp.pp_staticmask=255.0.0.0",
-                                 "uci set internet.pptp_l2tp.pp_staticgateway=10.1.1.1",
-                                 "uci set internet.pptp_l2tp.pp_Switch=on",
-                                 "uci set internet.pptp_l2tp.pp_domain=vpn.example",
-                                 "uci set internet.pptp_l2tp.pp_username=me",
-                                 "uci set internet.pptp_l2tp.pp_password=a'b\"c$(d);",
-                                 "uci set internet.pptp_l2tp.pp_netmode=Static",
-                                 "uci set internet.pptp_l2tp.pp_MTU=1400",
-                                 "uci del network.PPTP",
-                                 "uci set mtkhnat.global.enable=0",
-                                 "run echo 0 > /sys/kernel/debug/hnat/hook_toggle",
-                                 "uci set internet.pptp_l2tp.l2_Switch=off",
-                                 "FIRST",
-                                 "uci set network.PPTP.ipv6=auto",
-                                 "uci set network.PPTP.server=vpn.example",
-                                 "uci set network.PPTP.username=me",
-                                 "uci set network.PPTP.password=a'b\"c$(d);",
-                                 "uci set network.PPTP.mtu=1400",
-                                 "uci set network.wan.proto=static",
-                                 "uci set network.wan.ipaddr=10.1.1.2",
-                                 "uci set network.wan.netmask=255.0.0.0",
-                                 "uci set network.wan.gateway=10.1.1.1",
-                                 "uci set network.PPTP.peerdns=0",
-                                 "uci del network.L2TP",
-                                 "uci set internet.pptp_l2tp.l2_Switch=off",
-                                 kRestart});
-  EXPECT_THAT(board::journal(), ElementsAreArray(expected));
+  expect(R"x(
+uci del network.wan.dns
+uci set internet.pptp_l2tp.<own>{staticip=10.1.1.2, staticmask=255.0.0.0, staticgateway=10.1.1.1}
+uci set internet.pptp_l2tp.<own>{Switch=on, domain=vpn.example, username=me}
+uci set internet.pptp_l2tp.<own>{password=a'b"c$(d);, netmode=Static, MTU=1400}
+uci del network.<OWN>
+{uci set mtkhnat.global.enable=0, run echo 0 > /sys/kernel/debug/hnat/hook_toggle}
+uci set internet.pptp_l2tp.<other>Switch=off
+<first>
+uci set network.<OWN>.{ipv6=auto, server=vpn.example, username=me, password=a'b"c$(d);, mtu=1400}
+uci set network.wan.{proto=static, ipaddr=10.1.1.2, netmask=255.0.0.0, gateway=10.1.1.1}
+uci set network.<OWN>.peerdns=0
+uci del network.<OTHER>
+uci set internet.pptp_l2tp.<other>Switch=off
+)x",
+         members);
   char uplink[ZELTO_INTERFACE_SIZE] = "";
   EXPECT_EQ(getWanIfInterface(uplink), 0);
   EXPECT_EQ(uplink, twin().name + "-" + twin().section);
@@ -168,12 +142,13 @@ TEST_P(Tunnel, SwitchesOffOnceAndLeavesTheOtherAlone) {
     given("network", "wan", "dns", "9.9.9.9");
     given_on(twin());
     EXPECT_EQ(set(members), 0);
-    const auto expected =
-        effects({"uci set system.route.conntype=dhcp", "uci set network.wan.proto=dhcp",
-                 "uci del network.wan.dns", "uci del network.PPTP",
-                 "uci set internet.pptp_l2tp.pp_Switch=off", "uci set mtkhnat.global.enable=1",
-                 "run echo 1 > /sys/kernel/debug/hnat/hook_toggle", kRestart});
-    EXPECT_THAT(board::journal(), ElementsAreArray(expected)) << members;
+    expect(R"(
+uci set {system.route.conntype=dhcp, network.wan.proto=dhcp}
+uci del {network.wan.dns, network.<OWN>}
+uci set {internet.pptp_l2tp.<own>Switch=off, mtkhnat.global.enable=1}
+run echo 1 > /sys/kernel/debug/hnat/hook_toggle
+)",
+           members);
     board::clear_journal();
     EXPECT_EQ(set(members), 0);
     EXPECT_THAT(board::journal(), IsEmpty()) << "it is off already";

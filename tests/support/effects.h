@@ -16,6 +16,18 @@ namespace zelto_test {
 
 using Lines = std::vector<std::string>;
 
+using Words = std::vector<std::pair<std::string, std::string>>;
+
+// Replaces the words in turn: what is put in may hold later ones.
+inline std::string with(std::string text, const Words& words) {
+  for (const auto& [word, value] : words) {
+    for (auto at = text.find(word); at != std::string::npos; at = text.find(word)) {
+      text.replace(at, word.size(), value);
+    }
+  }
+  return text;
+}
+
 // A text's lines, empty ones left out; one with a {list, of, words} stands for a line a word.
 inline Lines expand(const std::string& text) {
   Lines lines;
