@@ -12,6 +12,10 @@
 namespace zelto_test {
 
 using Lines = std::vector<std::string>;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+using testing::IsEmpty;
 
 // A request or a reply.
 inline std::string command(const std::string& type, const std::string& members) {
@@ -28,6 +32,16 @@ class AccessTest : public RouterTest {
     auto lines = board::journal();
     board::clear_journal();
     return lines;
+  }
+
+  // None of the requests changes the list or anything else.
+  static void expect_refused(const std::string& type, const char* list, const Lines& requests) {
+    const auto before = board::read_file(list);
+    for (const auto& members : requests) {
+      EXPECT_EQ(ask(command(type, members)), result(type, 1)) << members;
+      EXPECT_EQ(board::read_file(list), before) << members;
+    }
+    EXPECT_THAT(effects(), IsEmpty());
   }
 
   static void given_section(const char* type, const std::string& name,
