@@ -50,7 +50,7 @@ void check_address(Reply& reply) {
 void check_type(Reply& reply) {
   const auto protocol = config::read_or_empty({"network", "wan", "proto"}, kLongestProtocol);
   const auto output = shell::capture("wan_check -I eth0.2", kLongestFinding);
-  const auto finding = text::without_last(output ? output->text : "");
+  const std::string finding(text::without_last(output ? output->text : ""));
   const char* mismatch = nullptr;
   for (const auto& type : kTypes) {
     if (!protocol.starts_with(type.name)) continue;
