@@ -22,6 +22,7 @@
 namespace {
 
 constexpr const char* kHeartbeat = R"({"type":"getheartbeat"})";
+constexpr useconds_t kRest = 3000;  // microseconds until the processors are idle again
 constexpr std::size_t kMegabyte = 1024 * 1024;
 
 void ask(benchmark::State& state, const char* request) {
@@ -166,6 +167,7 @@ void time_start(benchmark::State& state, std::size_t megabytes, const Start& sta
     state.SetIterationTime(elapsed.count());
     while (waitpid(-1, nullptr, WNOHANG) == 0) usleep(100);
     board::settle();
+    usleep(kRest);
   }
 }
 

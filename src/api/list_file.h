@@ -1,8 +1,8 @@
 // The library's own lists: text files of one record a line, shared with other programs.
 //
 // Every change holds one lock, the same for all lists, from the reading to the replacing, so two
-// requests at once lose nothing of each other. Readers take none: a list grows by whole lines and is
-// replaced by mv, at once where the work file is on the same file system.
+// requests at once lose nothing of each other. Readers take none: a list grows by whole lines and
+// is replaced by mv, at once where the work file is on the same file system.
 #pragma once
 
 #include <cstddef>
