@@ -131,8 +131,6 @@ int unblock(const std::string& mac) {
   return kDone;
 }
 
-// The script runs as root at every start of the firewall: only what looks like an address gets
-// near.
 int change(const Request& request) {
   const std::string mac(request.text("mac").value_or(""));
   std::string name(request.text("devname").value_or(""));
@@ -140,6 +138,7 @@ int change(const Request& request) {
   const auto enable = request.text_or_integer("enable");
   if (mac.empty() || !enable) return kFailed;
   const bool blocks = *enable == "1";
+  // The script runs as root at every start of the firewall: only one printable word gets near it.
   if (!list_file::is_word(mac, kLongestMac) ||
       (blocks && !list_file::is_rest(name, kLongestLine))) {
     return refuse();

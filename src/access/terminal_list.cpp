@@ -18,9 +18,13 @@ std::string_view take_first(std::string_view& rest) {
   return word;
 }
 
+std::string_view without_last_blanks(std::string_view text) {
+  return text.substr(0, text.find_last_not_of(kBlank) + 1);
+}
+
 std::string_view without_blanks_around(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlank), text.size()));
-  return text.substr(0, text.find_last_not_of(kBlank) + 1);
+  return without_last_blanks(text);
 }
 
 // The word behind the last blank; none when what is left is the name alone.
@@ -30,10 +34,6 @@ std::string_view take_last(std::string_view& rest) {
   const auto word = rest.substr(blank + 1);
   rest = rest.substr(0, blank);
   return word;
-}
-
-std::string_view without_last_blanks(std::string_view text) {
-  return text.substr(0, text.find_last_not_of(kBlank) + 1);
 }
 
 }  // namespace
