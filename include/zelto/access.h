@@ -24,6 +24,7 @@ extern "C" {
  * (/etc/terminal_lock_file).
  *
  * @command  getterminallist
+ * @access   read
  * @reply    ver string  always "2", also in a failure
  * @reply    list array  objects in the order of the file, all members strings: ip, mac, upspeed,
  *           downspeed, totalup, totaldl, link_time (time connected, "1-2:3:4" or "2:3:4", days
@@ -42,6 +43,7 @@ ZELTO_API int bs_GetTerminalList(const char* request, char* out);
  * Counts the attached devices by medium.
  *
  * @command  getclientnum
+ * @access   read
  * @reply    cable number  by wire
  * @reply    _2g number  by 2.4 GHz
  * @reply    _5g number  by 5 GHz
@@ -71,6 +73,7 @@ ZELTO_API int get_client_num(int* cable, int* wifi2g, int* wifi5g);
  * command table: call it directly. The reply's "type" is the request's own.
  *
  * @command  getwifistainfo
+ * @access   read
  * @reply    list array  objects: mac string, devname string; empty when there is no file (logged,
  *           "open file:wifi_list failed")
  * @reply    num string  how many; left out when there is no file
@@ -87,6 +90,7 @@ ZELTO_API int bs_GetWiFiStaInfo(const char* request, char* out);
  * it directly. The reply's "type" is the request's own.
  *
  * @command  getcurstainfo
+ * @access   read
  * @reply    list array  objects: mac string, devname string; empty when there is no file (logged,
  *           "open file:terminal_list failed")
  * @reply    num string  how many; left out when there is no file
@@ -104,6 +108,7 @@ ZELTO_API int bs_GetCurStaInfo(const char* request, char* out);
  * The parental rules, from /etc/parental_list, and their switch.
  *
  * @command  getparentalinfo
+ * @access   read
  * @reply    Switch string  "off" when system.route.parental_switch is 0 or cannot be read, else
  * "on"
  * @reply    list array  objects in the order of the file, all members strings: alias, devname, mac,
@@ -125,6 +130,7 @@ ZELTO_API int bs_GetParentalInfo(const char* request, char* out);
  * "_", the whole line 318.
  *
  * @command  setparentalinfo
+ * @access   change
  * @request  cfg_type string required  "add"; anything else only removes
  * @request  alias string required to add  the rule's name
  * @request  alias_old string optional  the name it had before
@@ -148,6 +154,7 @@ ZELTO_API int bs_SetParentalInfo(const char* request, char* out);
  * Stores the switch of parental control. The firewall is not touched.
  *
  * @command  setparentalswitch
+ * @access   change
  * @request  Switch string required  "on"; anything else is off
  * @reply    result number
  * @result   0 done
@@ -244,6 +251,7 @@ ZELTO_API void set_parental_reject_list_on(void);
  * The devices that are cut off, from /etc/blacklist.
  *
  * @command  getblacklist
+ * @access   read
  * @reply    list array  objects in the order of the file: mac string, name string (its first word);
  *           empty when there is no file
  * @result   none on success
@@ -263,6 +271,7 @@ ZELTO_API int bs_GetBlackList(const char* request, char* out);
  * /etc/firewall.user stay as they are.
  *
  * @command  setmacblack
+ * @access   change
  * @request  mac string required  the device
  * @request  enable string|number required  "1" or 1 cuts off, anything else lets in
  * @request  devname string optional  its name; "unknow" when empty
@@ -311,6 +320,7 @@ ZELTO_API int del_mac_from_firewall(const char* mac);
  * Gives a device a friendly name, in /etc/mac_alias_list.
  *
  * @command  setalias
+ * @access   change
  * @request  mac string required  the device, one word of at most 23 characters
  * @request  alias string required  the name; blanks are kept
  * @reply    result number

@@ -89,6 +89,7 @@ ZELTO_API int getWanMac(char* out);
  * The stored WAN settings.
  *
  * @command  getwancfg
+ * @access   read
  * @reply    wanmode string  "static", "pppoe", "dhcp", or empty for any other stored type
  * @reply    wanip string  static only: address
  * @reply    wanmsk string  static only: netmask
@@ -117,6 +118,7 @@ ZELTO_API int bs_GetWanCfg(const char* request, char* out);
  * (system.route.advanced_dns_switch is 1) they take the place of those sent.
  *
  * @command  setwancfg
+ * @access   change
  * @request  wanmode string required  "dhcp", "static", "pppoe"; stored as it is sent
  * @request  wanip string optional  address
  * @request  wanmsk string optional  netmask
@@ -149,6 +151,7 @@ ZELTO_API int bs_SetWanCfg(const char* request, char* out);
  * The live facts of the uplink.
  *
  * @command  getwaninfo
+ * @access   read
  * @reply    connetype string  system.route.conntype
  * @reply    wan_mac string  MAC address of the uplink interface, of "eth0.2" when it is a PPP link
  * @reply    wanmsk string  its netmask; this and all below are empty when there is none
@@ -170,6 +173,7 @@ ZELTO_API int bs_GetWanInfo(const char* request, char* out);
  * What kind of uplink the cable offers.
  *
  * @command  getwanmode
+ * @access   read
  * @reply    wanmode string  "unlink" without a cable; what the firmware's wan_check found ("dhcp",
  *           "pppoe", "static", spelled as it does); else "unknown"
  * @reply    netlink string  "online" or "offline"
@@ -188,6 +192,7 @@ ZELTO_API int bs_GetWanMode(const char* request, char* out);
  * The stored LAN settings.
  *
  * @command  getlancfg
+ * @access   read
  * @reply    lanip string  network.lan.ipaddr
  * @reply    lanmsk string  network.lan.netmask
  * @reply    landhcp string  "off" when dhcp.lan.ignore is 1, else "on"
@@ -212,6 +217,7 @@ ZELTO_API int bs_GetLanCfg(const char* request, char* out);
  * what was stored before a member turned out to be missing is applied.
  *
  * @command  setlancfg
+ * @access   change
  * @request  lanip string required  dotted address
  * @request  landhcp string required  "on" switches the DHCP server on, anything else off
  * @request  lanmsk string required  dotted netmask
@@ -245,6 +251,7 @@ ZELTO_API int bs_SetLanCfg(const char* request, char* out);
  * puts the 2.4 GHz radio at full power.
  *
  * @command  geteasycfg
+ * @access   danger
  * @reply    version string  as GetFWVersion, up to 79 characters
  * @reply    operationmode string  system.route.operationmode
  * @reply    wanstatus string  "link" when the WAN port has a link, else "unlink"
@@ -284,6 +291,7 @@ ZELTO_API int bs_GetEasyInfo(const char* request, char* out);
  * with another one is refused whole.
  *
  * @command  seteasycfg
+ * @access   change
  * @request  opermode string required  one of the five modes
  * @request  wanmode string required in mode router  "dhcp", "static", "pppoe"
  * @request  wanip string optional  mode router, as the members below down to "mtu": "setwancfg"
@@ -335,6 +343,7 @@ ZELTO_API int bs_SetEasyInfo(const char* request, char* out);
  * The PPTP tunnel's settings. Holds the account's password in clear.
  *
  * @command  getpptpinfo
+ * @access   read
  * @reply    Switch string  "on" or "off"; when it cannot be read the defaults follow in the order
  *           domain, username, password, netmode, MTU
  * @reply    domain string  server
@@ -358,6 +367,7 @@ ZELTO_API int bs_GetPptpInfo(const char* request, char* out);
  * The L2TP tunnel's settings. As "getpptpinfo".
  *
  * @command  getl2tpinfo
+ * @access   read
  * @reply    Switch string  and so on, as "getpptpinfo"
  * @result   none on success
  * @result   1 wrong or missing "type"
@@ -374,6 +384,7 @@ ZELTO_API int bs_GetL2tpInfo(const char* request, char* out);
  * reply's "type" is the request's own.
  *
  * @command  setpptpinfo
+ * @access   change
  * @request  Switch string optional  "on" switches on, anything else off
  * @request  domain string optional  server; this and all below are for switching on
  * @request  username string optional  account
@@ -410,6 +421,7 @@ ZELTO_API int bs_SetPptpInfo(const char* request, char* out);
  * the connection type is stored before the section is added.
  *
  * @command  setl2tpinfo
+ * @access   change
  * @request  Switch string optional  and so on, as "setpptpinfo"
  * @reply    result number
  * @result   0 done
@@ -426,6 +438,7 @@ ZELTO_API int bs_SetL2tpInfo(const char* request, char* out);
  * The user's own resolvers.
  *
  * @command  getdnsinfo
+ * @access   read
  * @reply    dns1 string  system.route.advanced_dns before its first blank
  * @reply    dns2 string  what follows the blank; empty without
  * @reply    status string  "1" when they are in use, else "0"
@@ -442,6 +455,7 @@ ZELTO_API int bs_GetDNSInfo(const char* request, char* out);
  * their blank hold at most 63 characters. The WAN restarts after every answer.
  *
  * @command  setdnsinfo
+ * @access   change
  * @request  status string optional  "1" puts them in place, anything else gives back
  * @request  dns1 string optional  first resolver
  * @request  dns2 string optional  second resolver
@@ -466,6 +480,7 @@ ZELTO_API int bs_SetDNSInfo(const char* request, char* out);
  * The MAC addresses that the WAN can show.
  *
  * @command  getsubmaclist
+ * @access   read
  * @reply    self string  network.wan.defmacaddr: the WAN's own, once another one was cloned
  * @reply    clonemac string  the address that eth0.2 has now
  * @reply    list array  the attached devices, objects of one member: mac string; left out when the
@@ -483,6 +498,7 @@ ZELTO_API int bs_GetCloneList(const char* request, char* out);
  * restarts after every answer.
  *
  * @command  setclonemac
+ * @access   change
  * @request  mac string required  the address, at most 31 characters
  * @reply    result number
  * @result   0 done, also when it is the address already
@@ -499,6 +515,7 @@ ZELTO_API int bs_SetCloneMAC(const char* request, char* out);
  * IPv6 settings and the uplink's addresses.
  *
  * @command  getipv6info
+ * @access   read
  * @reply    ipv6_passthrough string  network.lan.br_traverse_ipv6; "0" when it cannot be read
  * @reply    lantype string  dhcp.lan.ra_management; "1" when it cannot be read
  * @reply    globaladdr string  global address of the uplink (WAN types dhcp and pppoe), else empty
@@ -517,6 +534,7 @@ ZELTO_API int bs_GetIPV6Info(const char* request, char* out);
  * Stores IPv6 settings and restarts the WAN.
  *
  * @command  setipv6info
+ * @access   change
  * @request  ipv6_passthrough string optional  "1" passes IPv6 through; stored as it is sent
  * @request  lantype string optional  how the LAN gets addresses; stored as it is sent
  * @reply    result number
@@ -535,6 +553,7 @@ ZELTO_API int bs_SetIPV6Info(const char* request, char* out);
  * IPTV settings.
  *
  * @command  getiptvinfo
+ * @access   read
  * @reply    enable number  1 on
  * @reply    lan4 number  role of LAN port 4; 0 when the stored text has fewer fields
  * @reply    lan3 number  of port 3
@@ -555,6 +574,7 @@ ZELTO_API int bs_GetIptvInfo(const char* request, char* out);
  * restarts after every answer.
  *
  * @command  setiptvinfo
+ * @access   change
  * @request  enable number required  1 on
  * @request  lan1 number required to switch on  role of LAN port 1
  * @request  lan2 number required to switch on  of port 2
@@ -624,6 +644,7 @@ ZELTO_API int terminalnumber(void);
  * work on the radios and 30 s for each survey's file. Networks without a name are left out.
  *
  * @command  getrepeaterinfo
+ * @access   change
  * @reply    list array  2.4 GHz first, then 5 GHz, each by signal: channel number, ssid string,
  *           bssid string, security string, signal number, ext_ch string, wifi_type string ("2.4G",
  *           "5.8G"). At most 255 of each; what does not fit the reply is left out, and logged
@@ -651,6 +672,7 @@ ZELTO_API int bs_GetApcliScanInfo(const char* request, char* out);
  * The network that the router is set to join.
  *
  * @command  getconnetsta
+ * @access   read
  * @reply    ssid string  its name; "NULL" in modes without one
  * @reply    mac string  its access point; "NULL" in modes without one
  * @result   none on success
@@ -665,6 +687,7 @@ ZELTO_API int bs_ConnetSta(const char* request, char* out);
  * The compact status of the front page.
  *
  * @command  getrouterstatus
+ * @access   read
  * @reply    wanip string  the uplink's address, empty when it has none
  * @reply    uptime string  as get_sysrun_time
  * @reply    cpu string  as in "getrouterinfo"
@@ -696,6 +719,7 @@ ZELTO_API int bs_GetRouteStatus(const char* request, char* out);
  * and wanmodeequal.
  *
  * @command  getnetworkdiagnosisinfo
+ * @access   read
  * @reply    netstatus string  "1" the Internet can be reached
  * @reply    wanstatus string  "1" there is a cable, or the modem is the uplink
  * @reply    wanmodeequal string  "1" the cable offers the type that is set; else by the type that
@@ -718,6 +742,7 @@ ZELTO_API int bs_GetNetworkDiagnosisInfo(const char* request, char* out);
  * The port forwarding rules, from /etc/port_forward_list.
  *
  * @command  getforwarding
+ * @access   read
  * @reply    list array  objects in the order of the file: name string, ip string (a LAN host, or
  *           "all"), sublist array of objects: lanport string, wanport string, protocol string. What
  *           does not fit the reply is left out, and logged
@@ -739,6 +764,7 @@ ZELTO_API int bs_GetForwardingInfo(const char* request, char* out);
  * found.
  *
  * @command  setforwarding
+ * @access   change
  * @request  enable string|number optional  "1" or 1 adds the rule; anything else only removes
  * @request  name string required to add  the rule's name, at most 189 bytes
  * @request  name_old string optional  the name it had before

@@ -15,6 +15,7 @@ extern "C" {
  * The speed limits of devices, from /etc/qos_limit_list.
  *
  * @command  getqos
+ * @access   read
  * @request  MAC string required  a device, compared exactly, or "ALL"
  * @reply    list array  for "ALL": objects, all members strings: MAC, Up_Speed, Dl_Speed
  * @reply    MAC string  for a device: the device
@@ -37,6 +38,7 @@ ZELTO_API int bs_GetQosInfo(const char* request, char* out);
  * in any case, which drops lines of less than 31 characters.
  *
  * @command  setqos
+ * @access   change
  * @request  MAC string required  the device, one word of at most 39 characters
  * @request  IP string required to limit  its address, likewise
  * @request  Up_Speed string required  upload, a whole number in the unit of web pages

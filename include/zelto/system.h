@@ -26,6 +26,7 @@ extern "C" {
  * valid until the router restarts. When the commands that make it fail, it is empty.
  *
  * @command  loginauth
+ * @access   open
  * @request  user string optional  the name; missing counts as empty
  * @request  pass string optional  the password; missing counts as empty
  * @reply    token string  the new token
@@ -141,6 +142,7 @@ ZELTO_API int init_network_run(void);
  * of "cpu" without its last character and "upspeed" is empty.
  *
  * @command  getrouterinfo
+ * @access   read
  * @reply    uptime string  as get_sysrun_time
  * @reply    cpu string  share of processor time that programs use, such as "12%"
  * @reply    downspeed string  first word of /tmp/wan_speed_file, at most 31 characters
@@ -184,6 +186,7 @@ ZELTO_API int bs_GetRouteInfo(const char* request, char* out);
  * The language of the web pages, from luci.main.lang (up to 15 characters), which is also logged.
  *
  * @command  getlanguage
+ * @access   open
  * @reply    language string  "en" for "auto" and "en", "zhcn" for "zh_cn", else "unknown"
  * @result   none on success
  * @result   1 wrong or missing "type", or the option cannot be read
@@ -197,6 +200,7 @@ ZELTO_API int bs_getLanguage_info(const char* request, char* out);
  * What a companion app needs to pair with the router. Holds the administrator's password in clear.
  *
  * @command  gethostinfo
+ * @access   danger
  * @reply    hostname string  the board's model, "ZELTO" when it has none
  * @reply    hostmac string  MAC address of br-lan
  * @reply    hostkey string  system.route.CloudKey, empty when it cannot be read
@@ -219,6 +223,7 @@ ZELTO_API int bs_GetHostInfo(const char* request, char* out);
  * The reply's "type" is the request's own; without one the reply is {"result":1}.
  *
  * @command  getsystimeinfo
+ * @access   read
  * @reply    systime string  as get_system_current_time gives the date, its line feed included
  * @reply    uptime string  whole seconds
  * @result   none on success

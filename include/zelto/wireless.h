@@ -44,6 +44,7 @@ extern "C" {
  * Both radios' main networks.
  *
  * @command  getwlancfgall
+ * @access   read
  * @reply    dualSwitch string  "1" when the 5 GHz radio follows the other one; "0" when unset
  * @reply    configurations array  two objects, 2.4 GHz first: radio string ("2.4G", "5G"), enable
  *           number, wlanssid string, wlanpswencry string, wlanpswmode string, wlanpsw string,
@@ -69,6 +70,7 @@ ZELTO_API int bs_GetWifiInfoAll(const char* request, char* out);
  * differ: a radio whose SSID was not sent counts as having none.
  *
  * @command  setwlancfgall
+ * @access   change
  * @request  dualSwitch string optional  "1" lets the 5 GHz radio follow the 2.4 GHz radio
  * @request  wlanssid string optional  2.4 GHz SSID
  * @request  wlanpsw string optional  2.4 GHz passphrase
@@ -102,6 +104,7 @@ ZELTO_API int bs_SetWifiAll(const char* request, char* out);
  * The 2.4 GHz radio's main network.
  *
  * @command  getwlancfg
+ * @access   read
  * @reply    wlanssid string  SSID as the user chose it
  * @reply    wlanpswencry string  cipher
  * @reply    wlanpswmode string  security mode; empty, like all here, when it cannot be read
@@ -119,6 +122,7 @@ ZELTO_API int bs_GetWlanCfg(const char* request, char* out);
  * The 5 GHz radio's main network. As "getwlancfg", in another order.
  *
  * @command  get5wlancfg
+ * @access   read
  * @reply    wlan5ssid string  SSID
  * @reply    wlan5psw string  passphrase
  * @reply    wlan5pswencry string  cipher
@@ -137,6 +141,7 @@ ZELTO_API int bs_Get5WlanCfg(const char* request, char* out);
  * without "type" gets no reply.
  *
  * @command  setwlancfg
+ * @access   change
  * @request  wlanssid string optional  SSID; goes to the driver only while the radio is on
  * @request  wlanpswmode string optional  security mode
  * @request  wlanpsw string optional  passphrase
@@ -154,6 +159,7 @@ ZELTO_API int bs_SetWlanCfg(const char* request, char* out);
  * Changes the 5 GHz radio's main network. As "setwlancfg".
  *
  * @command  set5wlancfg
+ * @access   change
  * @request  wlan5ssid string optional  SSID
  * @request  wlan5pswmode string optional  security mode
  * @request  wlan5psw string optional  passphrase
@@ -171,6 +177,7 @@ ZELTO_API int bs_Set5WlanCfg(const char* request, char* out);
  * Whether the 2.4 GHz radio is on.
  *
  * @command  getswitchwifi
+ * @access   read
  * @reply    radioon number  1 when the driver's WIFIEnable[0] is 1, else 0
  * @result   none on success
  * @result   1 wrong or missing "type"
@@ -184,6 +191,7 @@ ZELTO_API int bs_GetWifiStat(const char* request, char* out);
  * Whether the 5 GHz radio is on. As "getswitchwifi".
  *
  * @command  get5switchwifi
+ * @access   read
  * @reply    radioon number  1 on, 0 off
  * @result   none on success
  * @result   1 wrong or missing "type"
@@ -198,6 +206,7 @@ ZELTO_API int bs_Get5WifiStat(const char* request, char* out);
  * missing.
  *
  * @command  setswitchwifi
+ * @access   change
  * @request  radioon number required  0 off, 1 on
  * @reply    result number
  * @result   0 done
@@ -215,6 +224,7 @@ ZELTO_API int bs_SetWifiStat(const char* request, char* out);
  * Switches the 5 GHz radio. As "setswitchwifi".
  *
  * @command  set5switchwifi
+ * @access   change
  * @request  radioon number required  0 off, 1 on
  * @reply    result number
  * @result   0 done
@@ -235,6 +245,7 @@ ZELTO_API int bs_Set5WifiStat(const char* request, char* out);
  * @command  set2gswitch
  * @command  set5gswitch
  * @command  setAllswitch
+ * @access   change
  * @request  radioon number|string required  0 off, 1 on
  * @reply    result number
  * @result   0 done
@@ -253,6 +264,7 @@ ZELTO_API int bs_SetWifiSwitchAll(const char* request, char* out);
  *
  * @command  gethide2
  * @command  gethide5
+ * @access   read
  * @reply    enable string  "1" hidden, "0" visible; empty when unset
  * @result   none on success
  * @result   1 another or no "type"
@@ -270,6 +282,7 @@ ZELTO_API int bs_GetSSIDHide(const char* request, char* out);
  * @command  sethide2
  * @command  sethide5
  * @command  sethideall
+ * @access   change
  * @request  enable number|string required  1 hidden, 0 visible
  * @reply    result number
  * @result   0 done
@@ -289,6 +302,7 @@ ZELTO_API int bs_SetSSIDHide(const char* request, char* out);
  * Channel, country and bandwidth of both radios.
  *
  * @command  getchannelall
+ * @access   read
  * @reply    configurations array  two objects, 2.4 GHz first: radio string ("2.4G", "5G"), channel
  *           number (0 automatic), curchannel number (the channel in use), countrycode string, htbw
  *           and curbw number (the same: 0 automatic, 1 20 MHz, 2 40 MHz, 3 80 MHz)
@@ -311,6 +325,7 @@ ZELTO_API int bs_GetChannelAll(const char* request, char* out);
  * after every answer, also after a refusal. The reply's "type" is the request's own.
  *
  * @command  setchannelall
+ * @access   change
  * @request  channel string optional  2.4 GHz channel, "0" automatic; 14 sets the mode to 802.11b
  * @request  countrycode string optional  country of the 2.4 GHz radio
  * @request  htbw string optional  2.4 GHz bandwidth
@@ -337,6 +352,7 @@ ZELTO_API int bs_SetChannelAll(const char* request, char* out);
  * Channel, country and bandwidth of the 2.4 GHz radio, as one element of "getchannelall".
  *
  * @command  get2channel
+ * @access   read
  * @reply    channel number  0 automatic
  * @reply    curchannel number  the channel in use
  * @reply    countrycode string  two letters
@@ -355,6 +371,7 @@ ZELTO_API int bs_GetAdvChannel(const char* request, char* out);
  * Channel, country and bandwidth of the 5 GHz radio. As "get2channel".
  *
  * @command  get5channel
+ * @access   read
  * @reply    channel number  0 automatic
  * @reply    curchannel number  the channel in use
  * @reply    countrycode string  two letters
@@ -374,6 +391,7 @@ ZELTO_API int bs_Get5AdvChannel(const char* request, char* out);
  * of the second channel is touched. The reply's "type" is the request's own.
  *
  * @command  set2channel
+ * @access   change
  * @request  channel number optional  0 automatic; 14 sets the mode to 802.11b
  * @request  countrycode string optional  two letters
  * @request  htbw number optional  bandwidth
@@ -392,6 +410,7 @@ ZELTO_API int bs_SetAdvChannel(const char* request, char* out);
  * Tunes the 5 GHz radio. As "set2channel"; channel 14 is nothing special.
  *
  * @command  set5channel
+ * @access   change
  * @request  channel number optional  0 automatic
  * @request  countrycode string optional  two letters
  * @request  htbw number optional  bandwidth
@@ -412,6 +431,7 @@ ZELTO_API int bs_Set5AdvChannel(const char* request, char* out);
  * The 2.4 GHz guest network.
  *
  * @command  getvisitorinfo
+ * @access   read
  * @reply    gssidenable number  1 on
  * @reply    gssid string  SSID as the user chose it
  * @reply    gpsw string  passphrase
@@ -428,6 +448,7 @@ ZELTO_API int bs_GetVisitorInfo(const char* request, char* out);
  * The 5 GHz guest network. As "getvisitorinfo".
  *
  * @command  getvisitor5info
+ * @access   read
  * @reply    g5ssidenable number  1 on
  * @reply    g5ssid string  SSID as the user chose it
  * @reply    g5psw string  passphrase
@@ -445,6 +466,7 @@ ZELTO_API int bs_GetVisitor5Info(const char* request, char* out);
  * schedule holds Wi-Fi off, neither switch nor name reach the driver, passphrase and security do.
  *
  * @command  setvisitorinfo
+ * @access   change
  * @request  gssidenable number required  1 on, anything else off
  * @request  gssid string required to switch on  SSID
  * @request  gpsw string required to switch on  passphrase
@@ -466,6 +488,7 @@ ZELTO_API int bs_SetVisitorInfo(const char* request, char* out);
  * Switches the 5 GHz guest network and names it. As "setvisitorinfo".
  *
  * @command  setvisitor5info
+ * @access   change
  * @request  g5ssidenable number required  1 on, anything else off
  * @request  g5ssid string required to switch on  SSID
  * @request  g5psw string required to switch on  passphrase
@@ -484,6 +507,7 @@ ZELTO_API int bs_SetVisitor5Info(const char* request, char* out);
  * Both guest networks.
  *
  * @command  multi_ssid
+ * @access   read
  * @reply    list array  two objects, 2.4 GHz first: type string ("2.4g", "5g"), Switch number, ssid
  *           string, encryption string (security mode), pwd string, encry_alg string (always "aes"),
  *           ssid_hide string
@@ -503,6 +527,7 @@ ZELTO_API int bs_GetMultiWifi(const char* request, char* out);
  * not reach the driver, passphrase and security do.
  *
  * @command  multi_ssid_apply
+ * @access   change
  * @request  list array required  two objects, one a radio, in either order: type string ("2.4g" or
  *           "5g"), Switch number (1 on), ssid string, pwd string, ssid_hide string ("1" hidden),
  *           encryption string (security mode); all required
@@ -529,6 +554,7 @@ ZELTO_API int bs_SetMultiWifi(const char* request, char* out);
  * The 2.4 GHz radio's transmit power.
  *
  * @command  getpamode
+ * @access   read
  * @reply    pamode number  level; left out for a power that is none of the levels
  * @result   none on success
  * @result   1 wrong or missing "type"
@@ -542,6 +568,7 @@ ZELTO_API int bs_GetPaMode(const char* request, char* out);
  * The 5 GHz radio's transmit power. As "getpamode".
  *
  * @command  getpa5mode
+ * @access   read
  * @reply    pa5mode number  level
  * @result   none on success
  * @result   1 wrong or missing "type"
@@ -555,6 +582,7 @@ ZELTO_API int bs_GetPa5Mode(const char* request, char* out);
  * Sets the 2.4 GHz radio's transmit power. The radio is told after every answer.
  *
  * @command  setpamode
+ * @access   change
  * @request  pamode number required  level; another number changes nothing
  * @reply    result number
  * @result   0 done, also when nothing changed
@@ -570,6 +598,7 @@ ZELTO_API int bs_SetPaMode(const char* request, char* out);
  * Sets the 5 GHz radio's transmit power. As "setpamode".
  *
  * @command  setpa5mode
+ * @access   change
  * @request  pa5mode number required  level; another number changes nothing
  * @reply    result number
  * @result   0 done, also when nothing changed
@@ -585,6 +614,7 @@ ZELTO_API int bs_SetPa5Mode(const char* request, char* out);
  * The radios' 802.11 modes. "type" is not checked; the reply's is the request's own.
  *
  * @command  getWifiMode
+ * @access   read
  * @reply    twoWifiMode number  0 for the driver's mode 9 (and 1, of channel 14), 1 for 16
  * @reply    fiveWifiMode number  0 for the driver's mode 14, 1 for 17; each is left out otherwise
  * @result   none
@@ -599,6 +629,7 @@ ZELTO_API int bs_GetWifiMode(const char* request, char* out);
  * reply's is the request's own.
  *
  * @command  setWifiMode
+ * @access   change
  * @request  twoWifiMode number optional  0 or 1; missing counts as 0, another number writes nothing
  * @request  fiveWifiMode number optional  likewise
  * @reply    result number
@@ -618,6 +649,7 @@ ZELTO_API int bs_SetWifiMode(const char* request, char* out);
  * The times at which Wi-Fi is to be off, from /etc/wifi_schedule_list.
  *
  * @command  wifi_schedule
+ * @access   read
  * @reply    Switch string  system.route.wifi_schedule; "0" when it cannot be read
  * @reply    list array  objects in the order of the file: period string, week string; empty when
  *           there is no file. What does not fit the reply is left out, and logged
@@ -634,6 +666,7 @@ ZELTO_API int bs_GetWifiScheduleData(const char* request, char* out);
  * of the firmware acts on the list; nothing is started.
  *
  * @command  wifi_schedule_apply
+ * @access   change
  * @request  action string required  "add"; anything else deletes
  * @request  period string required to add  a word of at most 23 characters
  * @request  week string required to add  a word of at most 23 characters; with the period at least
@@ -654,6 +687,7 @@ ZELTO_API int bs_SetWifiScheduleData(const char* request, char* out);
  * Switches the schedule.
  *
  * @command  wifi_schedule_switch
+ * @access   change
  * @request  Switch string required  "1" on, "0" off; stored as it is sent
  * @reply    result number
  * @result   0 done

@@ -35,6 +35,9 @@
  *
  * The form of a handler's comment, one fact a line:
  *   @command  the "type" that reaches it
+ *   @access   what a front end should ask for: "open" nothing, "read" a login (the command only
+ *             tells), "change" a login that may change the router, "danger" one that may run
+ *             anything, erase or interrupt the router, see or set the administrator's password
  *   @request  member, JSON type, required or optional, meaning with unit and limits
  *   @reply    member, JSON type, meaning; in the order of the reply, after "type"
  *   @result   number and meaning, or "none" and when
@@ -115,6 +118,7 @@ ZELTO_API int check_auth(const char* token);
  * Tells that the library answers.
  *
  * @command getheartbeat
+ * @access open
  * @reply result number 9
  * @result 9 alive
  * @result 1 wrong or missing "type"
