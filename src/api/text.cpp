@@ -49,6 +49,19 @@ std::size_t sequence_length(std::string_view bytes) {
   return 0;
 }
 
+template <typename Number>
+Number to_number(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
+  const bool negative = text.starts_with('-');
+  if (text.starts_with('+')) text.remove_prefix(1);
+  Number value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error == std::errc::result_out_of_range) {
+    return negative ? std::numeric_limits<Number>::min() : std::numeric_limits<Number>::max();
+  }
+  return value;
+}
+
 }  // namespace
 
 std::string format(const char* pattern, ...) {
@@ -93,15 +106,11 @@ std::pair<std::string_view, std::string_view> split_first(std::string_view text,
 }
 
 int to_int(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
-  const bool negative = text.starts_with('-');
-  if (text.starts_with('+')) text.remove_prefix(1);
-  int value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error == std::errc::result_out_of_range) {
-    return negative ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
-  }
-  return value;
+  return to_number<int>(text);
+}
+
+std::int64_t to_int64(std::string_view text) {
+  return to_number<std::int64_t>(text);
 }
 
 std::optional<unsigned> hexadecimal(std::string_view text) {

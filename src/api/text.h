@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,6 +30,9 @@ std::pair<std::string_view, std::string_view> split_first(std::string_view text,
 
 // The number a text begins with, as atoi reads it, but held within the range of int.
 int to_int(std::string_view text);
+
+// The same for the range of 64 bits.
+std::int64_t to_int64(std::string_view text);
 
 // The register value that a text begins with, in hexadecimal without sign.
 std::optional<unsigned> hexadecimal(std::string_view text);
