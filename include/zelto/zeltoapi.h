@@ -119,7 +119,7 @@ ZELTO_API int check_auth(const char* token);
  *
  * @command getheartbeat
  * @access open
- * @reply result number 9
+ * @reply result number  9
  * @result 9 alive
  * @result 1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
