@@ -235,6 +235,317 @@ ZELTO_API int bs_GetHostInfo(const char* request, char* out);
  */
 ZELTO_API int bs_GetSysTimeInfo(const char* request, char* out);
 
+/* ---- Firmware ------------------------------------------------------------------------------- */
+
+/**
+ * The firmware's version.
+ *
+ * @command  getversion
+ * @access   read
+ * @reply    version string  as GetFWVersion; empty when it cannot be read
+ * @result   none on success
+ * @result   1 wrong or missing "type"
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  none
+ * @example  {"type":"getversion"} => {"type":"getversion","version":*}
+ */
+ZELTO_API int bs_SysVersion(const char* request, char* out);
+
+/**
+ * Whether there is a newer firmware: starts the firmware's check, and tells what an earlier one has
+ * left in /tmp/upgrade.txt. Ask again to see what this check finds.
+ *
+ * Called directly with the "type" "getstatus", the handler tells the stage of an upgrade: "status"
+ * is "download" while /tmp/upgrade_status holds 1, "upgrade" while it holds 2; else "result" is 1.
+ *
+ * @command  getfirmver
+ * @access   read
+ * @reply    curver string  last comma-separated field of the version line
+ * @reply    lastver string  newest version: second line of /tmp/upgrade.txt, up to 510 characters
+ * @reply    content_zh string  empty
+ * @reply    content_en string  empty
+ * @result   none when a version is known
+ * @result   1 wrong or missing "type", or /etc/FW-Version cannot be opened (logged)
+ * @result   5 no newer version is known (logged); only "curver" stands before it
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  start upgrade check
+ * @example  {"type":"getfirmver"} => {"type":"getfirmver","curver":*,"result":5}
+ */
+ZELTO_API int bs_GetFirmwareVer(const char* request, char* out);
+
+/**
+ * Starts the upgrade: sends signal 72 to the system daemon, which downloads and writes the newest
+ * firmware. Only kernels for MIPS have a signal of that number; with others the request fails.
+ *
+ * @command  upgrade
+ * @access   danger
+ * @reply    result number
+ * @result   0 the daemon was told
+ * @result   1 wrong or missing "type", the daemon does not run, or it cannot be signalled (logged)
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  run ps | grep sys_daemon | grep -v grep | awk -F ' ' '{print $1}'
+ * @example  {"type":"upgrade"} => {"type":"upgrade","result":1}
+ */
+ZELTO_API int bs_Upgrade(const char* request, char* out);
+
+/**
+ * How far the upgrade is, by the number that the system daemon keeps in /tmp/upgrade_status.
+ *
+ * The reply's "type" is the request's own; without one the reply is {"result":1}.
+ *
+ * @command  getupgradestatus
+ * @access   read
+ * @reply    result number
+ * @reply    status string  "downing" for 0, 1 and for no number, "burning" for 2, "timeout" for 3,
+ *           "md5_Fail" for 4, "down_Fail" for 5; missing when "result" is 1
+ * @result   0 the state is known
+ * @result   1 wrong or missing "type", or an unknown state
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  run cat /tmp/upgrade_status | tr -d '\n'
+ * @example  {"type":"getupgradestatus"} => {"type":"getupgradestatus","result":0,
+ *           "status":"downing"}
+ */
+ZELTO_API int bs_GetUpgradeStatus(const char* request, char* out);
+
+/* ---- Maintenance ---------------------------------------------------------------------------- */
+
+/**
+ * Restarts the router. The reply is written first; two seconds are left to deliver it.
+ *
+ * @command  reboot
+ * @access   danger
+ * @reply    result number
+ * @result   0 the router is about to restart
+ * @result   1 wrong or missing "type"
+ * @unparsed 0, logs "json data is NULL!"
+ * @effects  start sleep 2;/etc/init.d/Zelto_Cloud stop;sleep 1;reboot -f &
+ * @example  {"type":"reboot"} => {"type":"reboot","result":0}
+ */
+ZELTO_API int bs_do_reboot(const char* request, char* out);
+
+/**
+ * Restores factory settings and restarts. Does not look at the request at all: its handler resets
+ * the router whatever it is called with.
+ *
+ * @command  restore
+ * @access   danger
+ * @reply    result number
+ * @result   0 the router is about to reset
+ * @unparsed 0, resets as well
+ * @effects  start sleep 2; firstboot -y;/etc/init.d/Zelto_Cloud stop;sleep 1; reboot -f &
+ * @example  {"type":"restore"} => {"type":"restore","result":0}
+ */
+ZELTO_API int bs_do_restore(const char* request, char* out);
+
+/**
+ * The administrator's account. Holds the password in clear.
+ *
+ * @command  getmanpwd
+ * @access   danger
+ * @reply    routeusr string  system.route.routeusr, empty when unset
+ * @reply    routepwd string  system.route.routepwd, empty when unset
+ * @result   none on success
+ * @result   1 wrong or missing "type"
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  none
+ * @example  {"type":"getmanpwd"} => {"type":"getmanpwd","routeusr":"admin","routepwd":"admin"}
+ */
+ZELTO_API int bs_GetManPwd(const char* request, char* out);
+
+/**
+ * Changes the administrator's account: first the password, which becomes that of the system's user
+ * root as well, then the name. "result" is 0 even when the store does not take them (logged: "set
+ * Password to ... failed!", "set Loginusr to ... failed!").
+ *
+ * @command  setmanpwd
+ * @access   danger
+ * @request  routepwd string optional  the new password, at most 127 characters
+ * @request  routeusr string optional  the new name, at most 31 characters
+ * @reply    result number
+ * @result   0 done
+ * @result   1 wrong or missing "type", or a member that is too long or holds a line break; nothing
+ *           is changed then
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  uci set system.route.routepwd, run chpasswd.sh root PASSWORD
+ * @effects  uci set system.route.routeusr
+ * @example  {"type":"setmanpwd","routeusr":"admin","routepwd":"secret"} =>
+ *           {"type":"setmanpwd","result":0}
+ */
+ZELTO_API int bs_SetManPwd(const char* request, char* out);
+
+/**
+ * Runs a shell command with the library's privileges, whatever it is, and waits for it.
+ *
+ * Output is taken in lines, a longer one in pieces of 510 characters, until more than 6000
+ * characters have come; what does not fit 6143 characters, or the reply, is cut. NUL bytes are left
+ * out.
+ *
+ * @command  setcmd
+ * @access   danger
+ * @request  cmd string required  the command; cut at 511 characters
+ * @reply    cmd string  the command as it was run
+ * @reply    cmdinfo string  its output
+ * @result   none on success
+ * @result   1 wrong or missing "type", no "cmd" (logged: "json get cmd error!"), or no shell could
+ *           be started (logged: "popen for cmd error!")
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  run COMMAND
+ * @example  {"type":"setcmd","cmd":"echo hello"} =>
+ *           {"type":"setcmd","cmd":"echo hello","cmdinfo":"hello\n"}
+ */
+ZELTO_API int bs_SetCmd(const char* request, char* out);
+
+/**
+ * The menu entries of the desktop web pages for the operation mode (system.route.operationmode).
+ * Modes that begin with "AP", "repeater" or "wisp" have the menu of these.
+ *
+ * @command  getfunlist
+ * @access   read
+ * @reply    list array  objects with one member: fun, an entry's name; in the order of the menu
+ * @result   none on success
+ * @result   1 wrong or missing "type", or an unknown mode
+ * @unparsed -1
+ * @effects  none
+ * @example  {"type":"getfunlist"} => {"type":"getfunlist","list":[{"fun":"more_internet"},
+ *           {"fun":"more_lan"},{"fun":"more_terminallist"},{"fun":"more_wifi"},{"fun":"adminPass"},
+ *           {"fun":"channelSet"},{"fun":"macClone"},{"fun":"restore"},{"fun":"ReBoot"},
+ *           {"fun":"BlackList"},{"fun":"advancedDNS"},{"fun":"vpnSet"},{"fun":"pptp_vpnSet"},
+ *           {"fun":"forwarding"},{"fun":"ipv6"},{"fun":"dmz"},{"fun":"visitorNet"},
+ *           {"fun":"wifiTiming"},{"fun":"upnp"},{"fun":"webadmin"},{"fun":"scheduleRestart"}]}
+ */
+ZELTO_API int bs_GetFunList(const char* request, char* out);
+
+/**
+ * The same for the mobile web pages, for modes of exactly these names.
+ *
+ * @command  getmobilefunlist
+ * @access   read
+ * @reply    list array  objects with one member: fun, an entry's name; in the order of the menu
+ * @result   none on success
+ * @result   1 wrong or missing "type", or an unknown mode
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  none
+ * @example  {"type":"getmobilefunlist"} => {"type":"getmobilefunlist",
+ *           "list":[{"fun":"setup_terminallist"},{"fun":"baby_BlackList"},{"fun":"lan_set"},
+ *           {"fun":"wifiSet"},{"fun":"channelSet"},{"fun":"ChangerMode"},{"fun":"VPN_pptp_set"},
+ *           {"fun":"VPN_l2tp_set"},{"fun":"pro_term"},{"fun":"outNetSet"},{"fun":"misc_reboot"},
+ *           {"fun":"rally_restore"},{"fun":"password"},{"fun":"update"},{"fun":"visitorNet"},
+ *           {"fun":"wifiTiming"},{"fun":"upnp"},{"fun":"advancedDNS"},{"fun":"webadmin"},
+ *           {"fun":"scheduleRestart"},{"fun":"macClone"},{"fun":"dmz"},{"fun":"ipv6"},
+ *           {"fun":"forwarding"}]}
+ */
+ZELTO_API int bs_GetMobileFunList(const char* request, char* out);
+
+/* ---- Periodic restart and remote management ------------------------------------------------- */
+
+/**
+ * The times at which the router restarts of itself, from /etc/periodic_restart_list; a missing list
+ * counts as an empty one. A scheduler of the firmware acts on them.
+ *
+ * @command  get_periodic_restart
+ * @access   read
+ * @reply    Switch string  system.route.periodic_restart_switch, "0" when it cannot be read
+ * @reply    list array  objects, all members strings: timing, week; in the order of the list
+ * @result   none on success
+ * @result   1 wrong or missing "type"
+ * @unparsed -1, logs "json is NULL"
+ * @effects  none
+ * @example  {"type":"get_periodic_restart"} => {"type":"get_periodic_restart","Switch":*,"list":[]}
+ */
+ZELTO_API int bs_get_periodic_restart(const char* request, char* out);
+
+/**
+ * Adds a restart time, or takes it away wherever it stands. The list must exist. What is in the list
+ * is not added again. No scheduler is restarted.
+ *
+ * @command  periodic_restart_apply
+ * @access   change
+ * @request  action string required  "add"; anything else takes away
+ * @request  timing string required  time as the scheduler reads it, one word of at most 63 characters
+ * @request  week string required  its days, likewise; both together at least 5 characters
+ * @reply    result number
+ * @result   0 done
+ * @result   1 wrong or missing "type", no "action", an entry that cannot stand in the list, or the
+ *           list cannot be opened or written (logged)
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  to take away: run rm -rf /etc/periodic_restart_list;mv /tmp/periodic_restart_list
+ *           /etc/periodic_restart_list
+ * @example  {"type":"periodic_restart_apply","action":"add","timing":"03:30","week":"1,3,5"} =>
+ *           {"type":"periodic_restart_apply","result":0}
+ */
+ZELTO_API int bs_periodic_restart_apply(const char* request, char* out);
+
+/**
+ * Switches periodic restart on or off. No scheduler is restarted.
+ *
+ * @command  periodic_restart_switch
+ * @access   change
+ * @request  Switch string required  as web pages know it, such as "1" and "0"; at most 127 characters
+ * @reply    result number
+ * @result   0 done
+ * @result   1 wrong or missing "type", no "Switch", or one that cannot be stored
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  uci set system.route.periodic_restart_switch
+ * @example  {"type":"periodic_restart_switch","Switch":"1"} =>
+ *           {"type":"periodic_restart_switch","result":0}
+ */
+ZELTO_API int bs_periodic_restart_switch(const char* request, char* out);
+
+/**
+ * How the web pages can be reached from the WAN.
+ *
+ * @command  get_remote_manage
+ * @access   read
+ * @reply    Switch string  system.route.remote_manage_switch, "0" when it cannot be read
+ * @reply    remote_manage_port string  the port in the WAN, at most 7 characters; empty when it
+ *           cannot be read
+ * @result   none on success
+ * @result   1 wrong or missing "type"
+ * @unparsed -1, logs "json is NULL"
+ * @effects  none
+ * @example  {"type":"get_remote_manage"} => {"type":"get_remote_manage","Switch":"0",
+ *           "remote_manage_port":*}
+ */
+ZELTO_API int bs_get_remote_manage(const char* request, char* out);
+
+/**
+ * Opens the web pages to the WAN on the stored port, or closes them. While no port is stored, opening
+ * leaves the firewall's rule as it is.
+ *
+ * @command  remote_manage_switch
+ * @access   change
+ * @request  Switch string required  "1" opens, any other number or text closes; at most 127
+ *           characters
+ * @reply    result number
+ * @result   0 done
+ * @result   1 wrong or missing "type", no "Switch", or one that cannot be stored
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  uci set system.route.remote_manage_switch, uci del firewall.remote_web_manage
+ * @effects  to open: uci add firewall.remote_web_manage=redirect, uci set of its options target, src,
+ *           dest, src_dport, dest_port and proto
+ * @effects  run /etc/init.d/firewall restart &
+ * @example  {"type":"remote_manage_switch","Switch":"0"} =>
+ *           {"type":"remote_manage_switch","result":0}
+ */
+ZELTO_API int bs_remote_manage_switch(const char* request, char* out);
+
+/**
+ * Sets the port in the WAN that leads to the web pages, and opens it even when remote management is
+ * switched off.
+ *
+ * @command  set_remote_manage
+ * @access   change
+ * @request  remote_manage_port string required  at most 7 characters
+ * @reply    result number
+ * @result   0 done
+ * @result   1 wrong or missing "type", no port, or one that cannot be stored
+ * @unparsed -1, logs "json data is NULL!"
+ * @effects  uci set system.route.remote_manage_port, then as "remote_manage_switch" to open
+ * @example  {"type":"set_remote_manage","remote_manage_port":"8080"} =>
+ *           {"type":"set_remote_manage","result":0}
+ */
+ZELTO_API int bs_set_remote_manage(const char* request, char* out);
+
 #ifdef __cplusplus
 }
 #endif

@@ -8,7 +8,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <zelto/access.h>
@@ -42,13 +41,9 @@ constexpr RejectFile kRemoval = {"/tmp/parental_reject_mac_del",
                                  "fopen /tmp/parental_reject_mac_del for read error!\n",
                                  "fopen /tmp/parental_reject_mac_del for write error!\n"};
 
-using Values = std::initializer_list<std::pair<const char*, std::string_view>>;
-
-void add_section(const std::string& name, Values values) {
+void add_section(const std::string& name, std::initializer_list<config::Value> values) {
   config::add_section("firewall", "rule", name.c_str());
-  for (const auto& [option, value] : values) {
-    config::write({"firewall", name.c_str(), option}, value);
-  }
+  config::write_section("firewall", name, values);
 }
 
 std::string accept_name(int number) {

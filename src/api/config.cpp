@@ -51,6 +51,11 @@ void add_section(const char* package, const char* type, const char* name) {
   easy_uci_add_section(package, type, name);
 }
 
+void write_section(const char* package, const std::string& section,
+                   std::initializer_list<Value> values) {
+  for (const auto& [option, value] : values) write({package, section.c_str(), option}, value);
+}
+
 bool remove_section(const char* package, const std::string& section) {
   return easy_uci_delete_section(package, section.c_str()) != kStoreFailed;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +37,16 @@ bool write_or_log(const Option& option, std::string_view value, const char* what
 
 // A null name adds an anonymous section.
 void add_section(const char* package, const char* type, const char* name);
+
+struct Value {
+  const char* option;
+  std::string_view value;
+};
+
+// Gives a section options, in order.
+void write_section(const char* package, const std::string& section,
+                   std::initializer_list<Value> values);
+
 void remove(const Option& option);
 bool remove_section(const char* package, const std::string& section);
 

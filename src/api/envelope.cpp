@@ -28,8 +28,8 @@ void print(const Command& command, Reply& reply, char* out) {
   switch (reply.print(out)) {
     case Reply::Printed::kWhole:
       return;
-    case Reply::Printed::kListCut:
-      return log::error(text::format("the list of %s is too long and was cut!\n", command.type));
+    case Reply::Printed::kCut:
+      return log::error(text::format("the reply of %s is too long and was cut!\n", command.type));
     case Reply::Printed::kNot:
       print_failure(command, out);
       return log::error(text::format("the reply of %s is too long!\n", command.type));
@@ -43,7 +43,7 @@ int answer(const Command& command, const char* request, char* out, const Body& b
   bool printed = false;
   try {
     const Request parsed(request);
-    if (!parsed.parsed()) return refuse_unparsed(command);
+    if (!parsed.parsed() && !command.accepts_anything) return refuse_unparsed(command);
 
     Reply reply;
     const auto type = parsed.type();
@@ -53,7 +53,7 @@ int answer(const Command& command, const char* request, char* out, const Body& b
     } else if (type) {
       reply.text("type", *type);
     }
-    if (command.accepts_any_type || type == command.type) {
+    if (command.accepts_any_type || command.accepts_anything || type == command.type) {
       body(parsed, reply);
     } else {
       reply.result(kFailed);

@@ -17,6 +17,7 @@ struct Command {
   bool echoes_type = false;  // the reply's "type" is the request's own, absent when that is
   bool is_silent_without_type = false;  // without "type" nothing is written, and 0 returned
   bool accepts_any_type = false;  // the body runs, and looks, also when "type" is not the command
+  bool accepts_anything = false;  // the same for a request of any kind, not JSON included
 };
 
 using Body = std::function<void(const Request&, Reply&)>;

@@ -4,6 +4,8 @@
 
 #include <cstring>
 #include <new>
+#include <string>
+#include <string_view>
 
 #include <zelto/zeltoapi.h>
 
@@ -28,10 +30,17 @@ std::size_t printed_size(const cJSON* item) {
   return size;
 }
 
+// Bytes that a byte of a text takes in JSON.
+std::size_t escaped_size(char c) {
+  if (std::string_view("\"\\\b\f\n\r\t").find(c) != std::string_view::npos) return 2;
+  constexpr std::size_t kEscapedControl = 6;
+  return static_cast<unsigned char>(c) < ' ' ? kEscapedControl : 1;
+}
+
 }  // namespace
 
 void Object::text(const char* member, std::string_view value) {
-  add(member, cJSON_CreateString(text::to_utf8(value).c_str()));
+  add_text(member, value);
 }
 
 void Object::number(const char* member, double value) {
@@ -40,6 +49,12 @@ void Object::number(const char* member, double value) {
 
 List Object::list(const char* member) {
   return List(add_array(member));
+}
+
+cJSON* Object::add_text(const char* member, std::string_view value) {
+  cJSON* item = cJSON_CreateString(text::to_utf8(value).c_str());
+  add(member, item);
+  return item;
 }
 
 cJSON* Object::add_array(const char* member) {
@@ -73,15 +88,19 @@ List Reply::list(const char* member) {
   return List(last_list_);
 }
 
+void Reply::text_to_cut(const char* member, std::string_view value) {
+  text_to_cut_ = add_text(member, value);
+}
+
 void Reply::run_effects() const {
   for (const auto& effect : effects_) effect();
 }
 
 Reply::Printed Reply::print(char* out) {
   if (try_print(out)) return Printed::kWhole;
-  if (last_list_ == nullptr) return Printed::kNot;
-  shorten_list();
-  return try_print(out) ? Printed::kListCut : Printed::kNot;
+  if (last_list_ != nullptr) shorten_list();
+  if (text_to_cut_ != nullptr) shorten_text();
+  return try_print(out) ? Printed::kCut : Printed::kNot;
 }
 
 bool Reply::try_print(char* out) const {
@@ -100,6 +119,18 @@ void Reply::shorten_list() {
       cJSON_Delete(element);
     }
   }
+}
+
+void Reply::shorten_text() {
+  std::string kept = text_to_cut_->valuestring;
+  std::size_t size = printed_size(object_) + kPrintReserve;
+  while (size > ZELTO_REPLY_SIZE && !kept.empty()) {
+    size -= escaped_size(kept.back());
+    kept.pop_back();
+  }
+  // to_utf8 would make something else of half a character.
+  while (!kept.empty() && text::to_utf8(kept) != kept) kept.pop_back();
+  if (cJSON_SetValuestring(text_to_cut_, kept.c_str()) == nullptr) throw std::bad_alloc();
 }
 
 }  // namespace zelto

@@ -26,6 +26,7 @@ class Object {
   List list(const char* member);
 
  protected:
+  cJSON* add_text(const char* member, std::string_view value);
   cJSON* add_array(const char* member);
   void add(const char* member, cJSON* item);
 
@@ -56,6 +57,9 @@ class Reply : public Object {
   // An array that print() may shorten when it is the last one of the reply.
   List list(const char* member);
 
+  // A text whose end print() may cut.
+  void text_to_cut(const char* member, std::string_view value);
+
   // What the handler returns, when that is not 0.
   void status(int value) { status_ = value; }
   int status() const { return status_; }
@@ -64,17 +68,19 @@ class Reply : public Object {
   void afterwards(std::function<void()> effect) { effects_.push_back(std::move(effect)); }
   void run_effects() const;
 
-  enum class Printed { kWhole, kListCut, kNot };
+  enum class Printed { kWhole, kCut, kNot };
 
   // Writes the reply, at most ZELTO_REPLY_SIZE bytes. A list that is too long for that keeps its
-  // first elements, whole ones.
+  // first elements, whole ones, and a text that may be cut its first characters.
   Printed print(char* out);
 
  private:
   bool try_print(char* out) const;
   void shorten_list();
+  void shorten_text();
 
   cJSON* last_list_ = nullptr;
+  cJSON* text_to_cut_ = nullptr;
   int status_ = 0;
   std::vector<std::function<void()>> effects_;
 };

@@ -114,19 +114,15 @@ const char* firewall_protocol(const std::string& protocol) {
 
 void add_section(int number, const Rule& rule, const Mapping& mapping) {
   const auto section = section_name(number);
-  const std::pair<const char*, const std::string> values[] = {
-      {"target", "DNAT"},
-      {"src", "wan"},
-      {"dest", "lan"},
-      {"src_dport", mapping.wan_port},
-      {"dest_port", mapping.lan_port},
-      {"name", rule.name},
-      {"proto", firewall_protocol(mapping.protocol)},
-  };
   config::add_section("firewall", "redirect", section.c_str());
-  for (const auto& [option, value] : values) {
-    config::write({"firewall", section.c_str(), option}, value);
-  }
+  config::write_section("firewall", section,
+                        {{"target", "DNAT"},
+                         {"src", "wan"},
+                         {"dest", "lan"},
+                         {"src_dport", mapping.wan_port},
+                         {"dest_port", mapping.lan_port},
+                         {"name", rule.name},
+                         {"proto", firewall_protocol(mapping.protocol)}});
   if (rule.address != kEveryHost) {
     config::write({"firewall", section.c_str(), "dest_ip"}, rule.address);
   }

@@ -207,7 +207,7 @@ TEST_F(Survey, ACrowdedBandKeepsTheStrongestThatFit) {
     EXPECT_EQ(reply, list_of(shown));
     EXPECT_LT(reply.size(), std::size_t{ZELTO_REPLY_SIZE});
     EXPECT_THAT(board::log(),
-                ElementsAre("<3>the list of getrepeaterinfo is too long and was cut!"));
+                ElementsAre("<3>the reply of getrepeaterinfo is too long and was cut!"));
     board::reset();
   }
 }
