@@ -1,6 +1,7 @@
 // The command table. A null handler is a command that is not there yet.
 
 #include <zelto/access.h>
+#include <zelto/mobile.h>
 #include <zelto/network.h>
 #include <zelto/services.h>
 #include <zelto/system.h>
@@ -12,7 +13,7 @@ CommandEntry zelto_handle[ZELTO_COMMAND_COUNT] = {
     {"getrouterinfo", bs_GetRouteInfo},
     {"getlanguage", bs_getLanguage_info},
     {"getclientnum", bs_ClientNum_info},
-    {"get4gbasicinfo", nullptr},
+    {"get4gbasicinfo", bs_Get4gBasicInfo},
     {"getheartbeat", bs_GetHeartBeat},
     {"getwancfg", bs_GetWanCfg},
     {"setwancfg", bs_SetWanCfg},
@@ -62,10 +63,10 @@ CommandEntry zelto_handle[ZELTO_COMMAND_COUNT] = {
     {"seteasycfg", bs_SetEasyInfo},
     {"getblacklist", bs_GetBlackList},
     {"setmacblack", bs_SetMacBlack},
-    {"getapninfo", nullptr},
-    {"setapninfo", nullptr},
-    {"get4gflowassistant", nullptr},
-    {"set4gflowassistant", nullptr},
+    {"getapninfo", bs_Get_apn_info},
+    {"setapninfo", bs_Set_apn_info},
+    {"get4gflowassistant", bs_get_4gflowassistant},
+    {"set4gflowassistant", bs_set_4gflowassistant},
     {"sethwnat", nullptr},
     {"gethwnat", nullptr},
     {"getrouterstatus", bs_GetRouteStatus},
