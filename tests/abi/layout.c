@@ -6,6 +6,7 @@
 #include <platform/uart_at.h>
 #include <platform/wifi_conf.h>
 #include <zelto/fields.h>
+#include <zelto/mobile.h>
 #include <zelto/zeltoapi.h>
 
 _Static_assert(sizeof(CommandEntry) == 64 + sizeof(void (*)(void)), "a command's row");
@@ -21,6 +22,12 @@ _Static_assert(sizeof(FieldRow) == 80 + 4 * sizeof(void (*)(void)), "a field's r
 _Static_assert(offsetof(FieldRow, config_key) == 40 && offsetof(FieldRow, getter) == 80,
                "the texts of a field");
 _Static_assert(sizeof cmd_convert == 18 * sizeof(FieldRow), "rows of the field table");
+
+_Static_assert(sizeof(ApnEntry) == 192, "an access point's row");
+_Static_assert(offsetof(ApnEntry, operator_name) == 32 && offsetof(ApnEntry, apn) == 96 &&
+                   offsetof(ApnEntry, mccmnc) == 160,
+               "the texts of an access point");
+_Static_assert(sizeof apnlist == 1752 * sizeof(ApnEntry), "rows of the access point table");
 
 _Static_assert(ZELTO_REPLY_SIZE == 16384, "the reply buffer of front ends");
 _Static_assert(UART_AT_REPLY_SIZE == 1024, "the modem's reply buffer");
