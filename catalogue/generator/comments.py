@@ -81,7 +81,8 @@ def _with_type(example, command):
     return re.sub(r'(\{"type":)"\w+"', rf'\1"{command}"', example, count=1)
 
 
-# "one of: a, b (label), c" up to a semicolon, a full stop before a blank, or the end.
+# "one of: a, b (label), c" up to a semicolon, a full stop before a blank, or the end. Texts may
+# stand in quotes; a member that is text or number has its values as texts.
 _VALUES = re.compile(r"\bone of: (.+?)(?=;|\.(?: |$)|$)")
 _VALUE = re.compile(r'"([^"]*)"(?: \(([^)]*)\))?|([^\s,"]+)(?: \(([^)]*)\))?')
 _LONGEST = re.compile(r"at most (\d+) (?:printable )?(?:characters|bytes)")

@@ -26,11 +26,21 @@ extern "C" {
  * @command  getterminallist
  * @access   read
  * @reply    ver string  always "2", also in a failure
- * @reply    list array  objects in the order of the file, all members strings: ip, mac, upspeed,
- *           downspeed, totalup, totaldl, link_time (time connected, "1-2:3:4" or "2:3:4", days
- *           begin again after a month), link_type ("0" wire, "1" 2.4 GHz, "2" 5 GHz, else empty),
- *           name, ostype (empty), sign ("0"). Empty when there is no file (logged). What does not
- *           fit the reply is left out, and logged
+ * @reply    list array  the devices in the order of the file. Empty when there is no file (logged).
+ *           What does not fit the reply is left out, and logged
+ * @reply    list[].ip string
+ * @reply    list[].mac string
+ * @reply    list[].upspeed string
+ * @reply    list[].downspeed string
+ * @reply    list[].totalup string
+ * @reply    list[].totaldl string
+ * @reply    list[].link_time string  time connected, "1-2:3:4" or "2:3:4"; days begin again after a
+ *           month
+ * @reply    list[].link_type string  one of: 0 (wire), 1 (2.4 GHz), 2 (5 GHz), ""; empty for any
+ *           other
+ * @reply    list[].name string
+ * @reply    list[].ostype string  empty
+ * @reply    list[].sign string  "0"
  * @result   none on success
  * @result   1 wrong or missing "type", or the lock cannot be had
  * @unparsed -1, logs "json is NULL"
@@ -74,8 +84,10 @@ ZELTO_API int get_client_num(int* cable, int* wifi2g, int* wifi5g);
  *
  * @command  getwifistainfo
  * @access   read
- * @reply    list array  objects: mac string, devname string; empty when there is no file (logged,
- *           "open file:wifi_list failed")
+ * @reply    list array  the devices; empty when there is no file (logged, "open file:wifi_list
+ *           failed")
+ * @reply    list[].mac string
+ * @reply    list[].devname string
  * @reply    num string  how many; left out when there is no file
  * @result   none on success
  * @result   1 wrong or missing "type"
@@ -91,8 +103,10 @@ ZELTO_API int bs_GetWiFiStaInfo(const char* request, char* out);
  *
  * @command  getcurstainfo
  * @access   read
- * @reply    list array  objects: mac string, devname string; empty when there is no file (logged,
- *           "open file:terminal_list failed")
+ * @reply    list array  the devices; empty when there is no file (logged, "open file:terminal_list
+ *           failed")
+ * @reply    list[].mac string
+ * @reply    list[].devname string
  * @reply    num string  how many; left out when there is no file
  * @result   none on success
  * @result   1 wrong or missing "type", or the lock cannot be had (logged)
@@ -109,11 +123,15 @@ ZELTO_API int bs_GetCurStaInfo(const char* request, char* out);
  *
  * @command  getparentalinfo
  * @access   read
- * @reply    Switch string  "off" when system.route.parental_switch is 0 or cannot be read, else
- * "on"
- * @reply    list array  objects in the order of the file, all members strings: alias, devname, mac,
- *           accesstime, day; empty when there is no file. What does not fit the reply is left out,
- *           and logged
+ * @reply    Switch string  one of: on, off; off when system.route.parental_switch is 0 or cannot be
+ *           read
+ * @reply    list array  the rules in the order of the file; empty when there is no file. What does
+ *           not fit the reply is left out, and logged
+ * @reply    list[].alias string  the rule's name
+ * @reply    list[].devname string  the device's name
+ * @reply    list[].mac string  the device
+ * @reply    list[].accesstime string  start and stop time, joined by "-"
+ * @reply    list[].day string  digits of the days, "1" Monday to "7" Sunday
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json is NULL"
@@ -131,12 +149,13 @@ ZELTO_API int bs_GetParentalInfo(const char* request, char* out);
  *
  * @command  setparentalinfo
  * @access   change
- * @request  cfg_type string required  "add"; anything else only removes
- * @request  alias string required to add  the rule's name
+ * @request  cfg_type string required  one of: add, del; anything but "add" only removes
+ * @request  alias string required to add  the rule's name, at most 189 bytes
  * @request  alias_old string optional  the name it had before
- * @request  devname string optional  the device's name; "unknow" when empty
- * @request  mac string required to add  the device
- * @request  accesstime string required to add  start and stop time, joined by "-"
+ * @request  devname string optional  the device's name, at most 255 characters; "unknow" when empty
+ * @request  mac string required to add  the device, at most 23 characters
+ * @request  accesstime string required to add  start and stop time, joined by "-", at most 23
+ *           characters
  * @request  day string required to add  digits of the days, "1" Monday to "7" Sunday
  * @reply    result number
  * @result   0 done
@@ -155,7 +174,7 @@ ZELTO_API int bs_SetParentalInfo(const char* request, char* out);
  *
  * @command  setparentalswitch
  * @access   change
- * @request  Switch string required  "on"; anything else is off
+ * @request  Switch string required  one of: on, off; anything but "on" is off
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or no "Switch"
@@ -252,8 +271,9 @@ ZELTO_API void set_parental_reject_list_on(void);
  *
  * @command  getblacklist
  * @access   read
- * @reply    list array  objects in the order of the file: mac string, name string (its first word);
- *           empty when there is no file
+ * @reply    list array  the devices in the order of the file; empty when there is no file
+ * @reply    list[].mac string  the device
+ * @reply    list[].name string  its name, the first word of it
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json is NULL"
@@ -272,8 +292,9 @@ ZELTO_API int bs_GetBlackList(const char* request, char* out);
  *
  * @command  setmacblack
  * @access   change
- * @request  mac string required  the device
- * @request  enable string|number required  "1" or 1 cuts off, anything else lets in
+ * @request  mac string required  the device, at most 23 printable characters
+ * @request  enable string|number required  one of: 1 (cuts off), 0 (lets in); as text or number,
+ *           anything but 1 lets in
  * @request  devname string optional  its name; "unknow" when empty
  * @reply    result number
  * @result   0 done; letting in always is

@@ -90,7 +90,7 @@ ZELTO_API int getWanMac(char* out);
  *
  * @command  getwancfg
  * @access   read
- * @reply    wanmode string  "static", "pppoe", "dhcp", or empty for any other stored type
+ * @reply    wanmode string  one of: static, pppoe, dhcp, ""; empty for any other stored type
  * @reply    wanip string  static only: address
  * @reply    wanmsk string  static only: netmask
  * @reply    wangw string  static only: gateway
@@ -119,15 +119,15 @@ ZELTO_API int bs_GetWanCfg(const char* request, char* out);
  *
  * @command  setwancfg
  * @access   change
- * @request  wanmode string required  "dhcp", "static", "pppoe"; stored as it is sent
- * @request  wanip string optional  address
- * @request  wanmsk string optional  netmask
- * @request  wangw string optional  gateway
+ * @request  wanmode string required  one of: dhcp, static, pppoe; stored as it is sent
+ * @request  wanip string optional  address, at most 127 characters
+ * @request  wanmsk string optional  netmask, at most 127 characters
+ * @request  wangw string optional  gateway, at most 127 characters
  * @request  dns1 string optional  first resolver
  * @request  dns2 string optional  second resolver
- * @request  pppoename string optional  user name
- * @request  pppoepsw string optional  password
- * @request  server_name string optional  service name
+ * @request  pppoename string optional  user name, at most 127 characters
+ * @request  pppoepsw string optional  password, at most 127 characters
+ * @request  server_name string optional  service name, at most 127 characters
  * @request  mtu string optional  bytes; 8 more are stored
  * @reply    result number
  * @result   0 stored; a store that failed is logged and does not change it
@@ -176,7 +176,7 @@ ZELTO_API int bs_GetWanInfo(const char* request, char* out);
  * @access   read
  * @reply    wanmode string  "unlink" without a cable; what the firmware's wan_check found ("dhcp",
  *           "pppoe", "static", spelled as it does); else "unknown"
- * @reply    netlink string  "online" or "offline"
+ * @reply    netlink string  one of: online, offline
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed 0, logs "json data is NULL!"
@@ -195,7 +195,7 @@ ZELTO_API int bs_GetWanMode(const char* request, char* out);
  * @access   read
  * @reply    lanip string  network.lan.ipaddr
  * @reply    lanmsk string  network.lan.netmask
- * @reply    landhcp string  "off" when dhcp.lan.ignore is 1, else "on"
+ * @reply    landhcp string  one of: on, off; off when dhcp.lan.ignore is 1
  * @reply    startip string  dhcp.lan.start
  * @reply    endip string  dhcp.lan.endip
  * @result   none on success
@@ -218,11 +218,14 @@ ZELTO_API int bs_GetLanCfg(const char* request, char* out);
  *
  * @command  setlancfg
  * @access   change
- * @request  lanip string required  dotted address
- * @request  landhcp string required  "on" switches the DHCP server on, anything else off
- * @request  lanmsk string required  dotted netmask
- * @request  startip string optional  begin of the DHCP range, stored as it is sent
- * @request  endip string optional  end of the DHCP range, stored as it is sent
+ * @request  lanip string required  dotted address, at most 39 characters
+ * @request  landhcp string required  one of: on, off; switches the DHCP server, anything but "on"
+ *           counts as off
+ * @request  lanmsk string required  dotted netmask, at most 39 characters
+ * @request  startip string optional  begin of the DHCP range, stored as it is sent, at most 39
+ *           characters
+ * @request  endip string optional  end of the DHCP range, stored as it is sent, at most 39
+ *           characters
  * @reply    result number
  * @result   0 stored; a store that failed is logged and does not change it
  * @result   1 wrong or missing "type", no "lanip" or a value that is refused: nothing stored. No
@@ -254,10 +257,10 @@ ZELTO_API int bs_SetLanCfg(const char* request, char* out);
  * @access   danger
  * @reply    version string  as GetFWVersion, up to 79 characters
  * @reply    operationmode string  system.route.operationmode
- * @reply    wanstatus string  "link" when the WAN port has a link, else "unlink"
- * @reply    netstatus string  "link" when the Internet can be reached, else "unlink"
+ * @reply    wanstatus string  one of: link, unlink; whether the WAN port has a link
+ * @reply    netstatus string  one of: link, unlink; whether the Internet can be reached
  * @reply    password string  system.route.routepwd, up to 31 characters
- * @reply    jumpflag string  "1" when the password is empty or one blank, else "0"
+ * @reply    jumpflag string  one of: 1 (the password is empty or one blank), 0 (it is not)
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -292,8 +295,8 @@ ZELTO_API int bs_GetEasyInfo(const char* request, char* out);
  *
  * @command  seteasycfg
  * @access   change
- * @request  opermode string required  one of the five modes
- * @request  wanmode string required in mode router  "dhcp", "static", "pppoe"
+ * @request  opermode string required  one of: router, mobilenetwork, AP, wisp, repeater
+ * @request  wanmode string required in mode router  one of: dhcp, static, pppoe
  * @request  wanip string optional  mode router, as the members below down to "mtu": "setwancfg"
  * @request  wanmsk string optional  netmask
  * @request  wangw string optional  gateway
@@ -303,16 +306,20 @@ ZELTO_API int bs_GetEasyInfo(const char* request, char* out);
  * @request  pppoepsw string optional  password
  * @request  server_name string optional  service name
  * @request  mtu string optional  bytes; 8 more are stored
- * @request  ssid string required in modes wisp and repeater  the network to join
- * @request  wifi_type string required in modes wisp and repeater  "2.4G", or "5.8G"
+ * @request  ssid string required in modes wisp and repeater  the network to join, at most 99
+ *           characters
+ * @request  wifi_type string required in modes wisp and repeater  one of: 2.4G, 5.8G; the band of
+ *           that network
  * @request  security string optional  modes wisp and repeater: the survey's text
- * @request  key string optional  modes wisp and repeater: passphrase
+ * @request  key string optional  modes wisp and repeater: passphrase, at most 99 characters
  * @request  channel number optional  modes wisp and repeater: channel; missing counts as 0
  * @request  bssid string optional  modes wisp and repeater: address of the access point
- * @request  wlan2ssid string optional  new name of the 2.4 GHz network
- * @request  wlan2psw string optional  its new passphrase; empty or missing opens the network
- * @request  wlan5ssid string optional  new name of the 5 GHz network
- * @request  wlan5psw string optional  its new passphrase; empty or missing opens the network
+ * @request  wlan2ssid string optional  new name of the 2.4 GHz network, at most 99 characters
+ * @request  wlan2psw string optional  its new passphrase, at most 99 characters; empty or missing
+ *           opens the network
+ * @request  wlan5ssid string optional  new name of the 5 GHz network, at most 99 characters
+ * @request  wlan5psw string optional  its new passphrase, at most 99 characters; empty or missing
+ *           opens the network
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", a refused value, or no "ssid" or "wifi_type" where one is
@@ -344,7 +351,7 @@ ZELTO_API int bs_SetEasyInfo(const char* request, char* out);
  *
  * @command  getpptpinfo
  * @access   read
- * @reply    Switch string  "on" or "off"; when it cannot be read the defaults follow in the order
+ * @reply    Switch string  one of: on, off; when it cannot be read the defaults follow in the order
  *           domain, username, password, netmode, MTU
  * @reply    domain string  server
  * @reply    username string  account
@@ -368,7 +375,16 @@ ZELTO_API int bs_GetPptpInfo(const char* request, char* out);
  *
  * @command  getl2tpinfo
  * @access   read
- * @reply    Switch string  and so on, as "getpptpinfo"
+ * @reply    Switch string  one of: on, off; when it cannot be read the defaults follow in the order
+ *           domain, username, password, netmode, MTU
+ * @reply    domain string  server
+ * @reply    username string  account
+ * @reply    password string  password
+ * @reply    MTU string  bytes; "1440" when unset
+ * @reply    netmode string  "Static", or how else the WAN gets its address; "DHCP" when unset
+ * @reply    staticip string  Static only: the WAN's address
+ * @reply    staticmask string  Static only: its netmask
+ * @reply    staticgateway string  Static only: its gateway
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json is NULL"
@@ -385,12 +401,14 @@ ZELTO_API int bs_GetL2tpInfo(const char* request, char* out);
  *
  * @command  setpptpinfo
  * @access   change
- * @request  Switch string optional  "on" switches on, anything else off
- * @request  domain string optional  server; this and all below are for switching on
- * @request  username string optional  account
- * @request  password string optional  password
+ * @request  Switch string optional  one of: on, off; anything but "on" switches off
+ * @request  domain string optional  server, at most 127 characters; this and all below are for
+ *           switching on
+ * @request  username string optional  account, at most 127 characters
+ * @request  password string optional  password, at most 127 characters
  * @request  MTU string optional  bytes, stored as it is sent
- * @request  netmode string optional  exactly "Static" gives the WAN the address below
+ * @request  netmode string optional  one of: DHCP, Static; exactly "Static" gives the WAN the
+ *           address below
  * @request  staticip string optional  the WAN's address
  * @request  staticmask string optional  its netmask
  * @request  staticgateway string optional  its gateway
@@ -400,11 +418,12 @@ ZELTO_API int bs_GetL2tpInfo(const char* request, char* out);
  * @unparsed -1, logs "json data is NULL!"
  * @effects  on: uci del network.wan.dns; uci set internet.pptp_l2tp.pp_staticip and its like,
  *           pp_Switch, pp_domain, pp_username, pp_password, pp_netmode, pp_MTU; uci del
- * network.PPTP; uci set mtkhnat.global.enable=0; run echo 0 > /sys/kernel/debug/hnat/hook_toggle;
- * uci set internet.pptp_l2tp.l2_Switch=off; uci add network.PPTP; uci set its proto,
- *           system.route.conntype, ipv6, server, username, password, mtu; uci set network.wan.proto
- *           (and ipaddr, netmask, gateway); uci set network.PPTP.peerdns=0 when the user's own
- *           resolvers are on; uci del network.L2TP; uci set internet.pptp_l2tp.l2_Switch=off
+ *           network.PPTP; uci set mtkhnat.global.enable=0; run echo 0 >
+ *           /sys/kernel/debug/hnat/hook_toggle; uci set internet.pptp_l2tp.l2_Switch=off; uci add
+ *           network.PPTP; uci set its proto, system.route.conntype, ipv6, server, username,
+ *           password, mtu; uci set network.wan.proto (and ipaddr, netmask, gateway); uci set
+ *           network.PPTP.peerdns=0 when the user's own resolvers are on; uci del network.L2TP; uci
+ *           set internet.pptp_l2tp.l2_Switch=off
  * @effects  off: uci set system.route.conntype=dhcp, network.wan.proto=dhcp; uci del
  *           network.wan.dns, network.PPTP; uci set internet.pptp_l2tp.pp_Switch=off; as
  *           init_network_run
@@ -422,7 +441,17 @@ ZELTO_API int bs_SetPptpInfo(const char* request, char* out);
  *
  * @command  setl2tpinfo
  * @access   change
- * @request  Switch string optional  and so on, as "setpptpinfo"
+ * @request  Switch string optional  one of: on, off; anything but "on" switches off
+ * @request  domain string optional  server, at most 127 characters; this and all below are for
+ *           switching on
+ * @request  username string optional  account, at most 127 characters
+ * @request  password string optional  password, at most 127 characters
+ * @request  MTU string optional  bytes, stored as it is sent
+ * @request  netmode string optional  one of: DHCP, Static; exactly "Static" gives the WAN the
+ *           address below
+ * @request  staticip string optional  the WAN's address
+ * @request  staticmask string optional  its netmask
+ * @request  staticgateway string optional  its gateway
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or a value that is refused
@@ -441,7 +470,7 @@ ZELTO_API int bs_SetL2tpInfo(const char* request, char* out);
  * @access   read
  * @reply    dns1 string  system.route.advanced_dns before its first blank
  * @reply    dns2 string  what follows the blank; empty without
- * @reply    status string  "1" when they are in use, else "0"
+ * @reply    status string  one of: 1 (they are in use), 0 (they are not)
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json is NULL"
@@ -456,7 +485,8 @@ ZELTO_API int bs_GetDNSInfo(const char* request, char* out);
  *
  * @command  setdnsinfo
  * @access   change
- * @request  status string optional  "1" puts them in place, anything else gives back
+ * @request  status string optional  one of: 1 (puts them in place), 0 (gives the provider's back);
+ *           anything but "1" gives back
  * @request  dns1 string optional  first resolver
  * @request  dns2 string optional  second resolver
  * @reply    result number
@@ -465,7 +495,7 @@ ZELTO_API int bs_GetDNSInfo(const char* request, char* out);
  * @unparsed -1, logs "json data is NULL!"
  * @effects  on: uci set system.route.advanced_dns, advanced_dns_switch=1, network.wan.peerdns=0,
  *           network.wan.dns; network.PPTP.peerdns=0 or network.L2TP.peerdns=0 while that tunnel is
- * on
+ *           on
  * @effects  off: uci set system.route.advanced_dns_switch=0; uci del network.wan.peerdns, dns; uci
  *           del network.PPTP.peerdns or network.L2TP.peerdns while that tunnel is on, else with a
  *           static WAN uci set network.wan.dns from system.route.static_dns
@@ -483,8 +513,9 @@ ZELTO_API int bs_SetDNSInfo(const char* request, char* out);
  * @access   read
  * @reply    self string  network.wan.defmacaddr: the WAN's own, once another one was cloned
  * @reply    clonemac string  the address that eth0.2 has now
- * @reply    list array  the attached devices, objects of one member: mac string; left out when the
- *           terminal list cannot be read (logged, "open file terminal_list failed!") or locked
+ * @reply    list array  the attached devices; left out when the terminal list cannot be read
+ *           (logged, "open file terminal_list failed!") or locked
+ * @reply    list[].mac string  the device
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -535,8 +566,10 @@ ZELTO_API int bs_GetIPV6Info(const char* request, char* out);
  *
  * @command  setipv6info
  * @access   change
- * @request  ipv6_passthrough string optional  "1" passes IPv6 through; stored as it is sent
- * @request  lantype string optional  how the LAN gets addresses; stored as it is sent
+ * @request  ipv6_passthrough string optional  one of: 1 (passes IPv6 through), 0 (does not); at
+ *           most 127 characters, stored as it is sent
+ * @request  lantype string optional  how the LAN gets addresses, at most 127 characters; stored as
+ *           it is sent
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or a value of more than 127 characters or with a line break:
@@ -575,7 +608,7 @@ ZELTO_API int bs_GetIptvInfo(const char* request, char* out);
  *
  * @command  setiptvinfo
  * @access   change
- * @request  enable number required  1 on
+ * @request  enable number required  one of: 1 (on), 0 (off)
  * @request  lan1 number required to switch on  role of LAN port 1
  * @request  lan2 number required to switch on  of port 2
  * @request  lan3 number required to switch on  of port 3
@@ -589,7 +622,7 @@ ZELTO_API int bs_GetIptvInfo(const char* request, char* out);
  *           LAN1"), iptv.config.tag
  * @effects  after every reply: start lua /sbin/svctl.lua set_iptv_portmap;ubus call
  *           network.interface.wan down;sleep 3;ubus call network.interface.wan up & with "enable"
- * 1, else start /etc/init.d/network restart &
+ *           1, else start /etc/init.d/network restart &
  * @example  {"type":"setiptvinfo","enable":0} => {"type":"setiptvinfo","result":0}
  */
 ZELTO_API int bs_SetIptvInfo(const char* request, char* out);
@@ -645,14 +678,20 @@ ZELTO_API int terminalnumber(void);
  *
  * @command  getrepeaterinfo
  * @access   change
- * @reply    list array  2.4 GHz first, then 5 GHz, each by signal: channel number, ssid string,
- *           bssid string, security string, signal number, ext_ch string, wifi_type string ("2.4G",
- *           "5.8G"). At most 255 of each; what does not fit the reply is left out, and logged
+ * @reply    list array  2.4 GHz first, then 5 GHz, each by signal. At most 255 of each; what does
+ *           not fit the reply is left out, and logged
+ * @reply    list[].channel number
+ * @reply    list[].ssid string
+ * @reply    list[].bssid string
+ * @reply    list[].security string  words of authentication and cipher, such as "WPA2PSK/AES"
+ * @reply    list[].signal number  as the driver says it, mostly percent
+ * @reply    list[].ext_ch string  where the second channel lies
+ * @reply    list[].wifi_type string  one of: 2.4G, 5.8G
  * @result   none on success
  * @result   1 wrong or missing "type", or a survey did not come about (traced on the console)
  * @unparsed -1, traced on the console: "json data is NULL!"
  * @effects  run ifconfig apcli0 up, ifconfig apclii0 up (also for a wrong "type"); in modes wisp
- * and repeater run iwpriv apcli0 set ApCliAutoConnect=0 (apclii0); uci set
+ *           and repeater run iwpriv apcli0 set ApCliAutoConnect=0 (apclii0); uci set
  *           system.route.7663_wifi_scan=1; run ifconfig rai0 up; start iwpriv apcli0 set
  *           PartialScanNumOfCh=1;iwpriv apcli0 set PartialScan=1;sleep 20;iwpriv apcli0
  *           get_site_survey > /tmp/2G_list & and the same on apclii0
@@ -689,15 +728,16 @@ ZELTO_API int bs_ConnetSta(const char* request, char* out);
  * @command  getrouterstatus
  * @access   read
  * @reply    wanip string  the uplink's address, empty when it has none
- * @reply    uptime string  as get_sysrun_time
+ * @reply    uptime string  time since the start, "days:hours:minutes:seconds", not padded with
+ *           zeros
  * @reply    cpu string  as in "getrouterinfo"
  * @reply    downspeed string  second word of /tmp/wan_speed_file
  * @reply    upspeed string  its first word: the other way round than in "getrouterinfo"
  * @reply    operationmode string  system.route.operationmode; "router" when it cannot be read
- * @reply    ternum number  as terminalnumber
+ * @reply    ternum number  attached devices, as terminalnumber
  * @reply    ver string  second comma-separated field of /etc/FW-Version
- * @reply    wanstatus string  "link" when the WAN port has a link, else "unlink"
- * @reply    netstatus string  "link" when the Internet can be reached, else "unlink"
+ * @reply    wanstatus string  one of: link, unlink; whether the WAN port has a link
+ * @reply    netstatus string  one of: link, unlink; whether the Internet can be reached
  * @result   none on success
  * @result   1 wrong or missing "type"; or there is no version file: behind "ternum"
  * @unparsed 0, logs "json data is NULL!"
@@ -723,7 +763,7 @@ ZELTO_API int bs_GetRouteStatus(const char* request, char* out);
  * @reply    netstatus string  "1" the Internet can be reached
  * @reply    wanstatus string  "1" there is a cable, or the modem is the uplink
  * @reply    wanmodeequal string  "1" the cable offers the type that is set; else by the type that
- * is set: "3" dhcp, "2" pppoe, "4" static, left out for any other
+ *           is set: "3" dhcp, "2" pppoe, "4" static, left out for any other
  * @reply    ipstatus string  "1" the uplink has an address
  * @reply    dnstatus string  "1" one process dnsmasq runs
  * @result   none on success
@@ -743,9 +783,14 @@ ZELTO_API int bs_GetNetworkDiagnosisInfo(const char* request, char* out);
  *
  * @command  getforwarding
  * @access   read
- * @reply    list array  objects in the order of the file: name string, ip string (a LAN host, or
- *           "all"), sublist array of objects: lanport string, wanport string, protocol string. What
- *           does not fit the reply is left out, and logged
+ * @reply    list array  the rules in the order of the file. What does not fit the reply is left
+ *           out, and logged
+ * @reply    list[].name string
+ * @reply    list[].ip string  a LAN host, or "all"
+ * @reply    list[].sublist array  the mappings
+ * @reply    list[].sublist[].lanport string
+ * @reply    list[].sublist[].wanport string
+ * @reply    list[].sublist[].protocol string
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json is NULL"
@@ -765,7 +810,8 @@ ZELTO_API int bs_GetForwardingInfo(const char* request, char* out);
  *
  * @command  setforwarding
  * @access   change
- * @request  enable string|number optional  "1" or 1 adds the rule; anything else only removes
+ * @request  enable string|number optional  one of: 1 (adds the rule), 0 (only removes); as text or
+ *           number, anything but 1 only removes
  * @request  name string required to add  the rule's name, at most 189 bytes
  * @request  name_old string optional  the name it had before
  * @request  ip string required to add  LAN host, or "all"

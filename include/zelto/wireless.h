@@ -46,9 +46,16 @@ extern "C" {
  * @command  getwlancfgall
  * @access   read
  * @reply    dualSwitch string  "1" when the 5 GHz radio follows the other one; "0" when unset
- * @reply    configurations array  two objects, 2.4 GHz first: radio string ("2.4G", "5G"), enable
- *           number, wlanssid string, wlanpswencry string, wlanpswmode string, wlanpsw string,
- *           ssidhide number, power number (left out for a power that is none of the levels)
+ * @reply    configurations array  two objects, 2.4 GHz first
+ * @reply    configurations[].radio string  one of: 2.4G, 5G
+ * @reply    configurations[].enable number
+ * @reply    configurations[].wlanssid string
+ * @reply    configurations[].wlanpswencry string  cipher
+ * @reply    configurations[].wlanpswmode string  security mode
+ * @reply    configurations[].wlanpsw string  passphrase
+ * @reply    configurations[].ssidhide number
+ * @reply    configurations[].power number  power level; left out for a power that is none of the
+ *           levels
  * @result   none on success
  * @result   1 wrong or missing "type"; or a driver's key cannot be read (logged, "lib_conf_get_2G
  *           <key> failed!"): no "configurations"
@@ -71,15 +78,18 @@ ZELTO_API int bs_GetWifiInfoAll(const char* request, char* out);
  *
  * @command  setwlancfgall
  * @access   change
- * @request  dualSwitch string optional  "1" lets the 5 GHz radio follow the 2.4 GHz radio
- * @request  wlanssid string optional  2.4 GHz SSID
- * @request  wlanpsw string optional  2.4 GHz passphrase
- * @request  power number optional  2.4 GHz power level
- * @request  wlanpswmode string optional  2.4 GHz security mode
- * @request  wlanssid_5 string optional  5 GHz SSID
- * @request  wlanpsw_5 string optional  5 GHz passphrase
- * @request  power_5 number optional  5 GHz power level
- * @request  wlanpswmode_5 string optional  5 GHz security mode
+ * @request  dualSwitch string optional  one of: 1 (the 5 GHz radio follows the 2.4 GHz radio), 0
+ *           (it does not); at most 7 characters
+ * @request  wlanssid string optional  2.4 GHz SSID, at most 99 bytes
+ * @request  wlanpsw string optional  2.4 GHz passphrase, at most 99 bytes
+ * @request  power number optional  2.4 GHz power level, one of: 0 (40 %), 1 (60 %), 2 (100 %)
+ * @request  wlanpswmode string optional  2.4 GHz security mode, one of: open, wpa2, wpa3,
+ *           wpawpa2-tkipaes, wpawpa2, wpa2wpa3
+ * @request  wlanssid_5 string optional  5 GHz SSID, at most 99 bytes
+ * @request  wlanpsw_5 string optional  5 GHz passphrase, at most 99 bytes
+ * @request  power_5 number optional  5 GHz power level, one of: 0 (40 %), 1 (60 %), 2 (100 %)
+ * @request  wlanpswmode_5 string optional  5 GHz security mode, one of: open, wpa2, wpa3,
+ *           wpawpa2-tkipaes, wpawpa2, wpa2wpa3
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or a value that is refused
@@ -142,9 +152,10 @@ ZELTO_API int bs_Get5WlanCfg(const char* request, char* out);
  *
  * @command  setwlancfg
  * @access   change
- * @request  wlanssid string optional  SSID; goes to the driver only while the radio is on
- * @request  wlanpswmode string optional  security mode
- * @request  wlanpsw string optional  passphrase
+ * @request  wlanssid string optional  SSID, at most 99 bytes; goes to the driver only while the
+ *           radio is on
+ * @request  wlanpswmode string optional  security mode, one of: open, wpa2, wpa3, wpawpa2, wpa2wpa3
+ * @request  wlanpsw string optional  passphrase, at most 99 bytes
  * @reply    result number
  * @result   0 done
  * @result   1 wrong "type", or a value that is refused
@@ -160,9 +171,11 @@ ZELTO_API int bs_SetWlanCfg(const char* request, char* out);
  *
  * @command  set5wlancfg
  * @access   change
- * @request  wlan5ssid string optional  SSID
- * @request  wlan5pswmode string optional  security mode
- * @request  wlan5psw string optional  passphrase
+ * @request  wlan5ssid string optional  SSID, at most 99 bytes; goes to the driver only while the
+ *           radio is on
+ * @request  wlan5pswmode string optional  security mode, one of: open, wpa2, wpa3, wpawpa2,
+ *           wpa2wpa3
+ * @request  wlan5psw string optional  passphrase, at most 99 bytes
  * @reply    result number
  * @result   0 done
  * @result   1 wrong "type", or a value that is refused
@@ -178,7 +191,7 @@ ZELTO_API int bs_Set5WlanCfg(const char* request, char* out);
  *
  * @command  getswitchwifi
  * @access   read
- * @reply    radioon number  1 when the driver's WIFIEnable[0] is 1, else 0
+ * @reply    radioon number  one of: 1 (on: the driver's WIFIEnable[0] is 1), 0 (off)
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed 0, not logged
@@ -192,7 +205,7 @@ ZELTO_API int bs_GetWifiStat(const char* request, char* out);
  *
  * @command  get5switchwifi
  * @access   read
- * @reply    radioon number  1 on, 0 off
+ * @reply    radioon number  one of: 1 (on: the driver's WIFIEnable[0] is 1), 0 (off)
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed 0, not logged
@@ -207,7 +220,7 @@ ZELTO_API int bs_Get5WifiStat(const char* request, char* out);
  *
  * @command  setswitchwifi
  * @access   change
- * @request  radioon number required  0 off, 1 on
+ * @request  radioon number required  one of: 0 (off), 1 (on)
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or no "radioon"
@@ -225,7 +238,7 @@ ZELTO_API int bs_SetWifiStat(const char* request, char* out);
  *
  * @command  set5switchwifi
  * @access   change
- * @request  radioon number required  0 off, 1 on
+ * @request  radioon number required  one of: 0 (off), 1 (on)
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or no "radioon"
@@ -246,15 +259,15 @@ ZELTO_API int bs_Set5WifiStat(const char* request, char* out);
  * @command  set5gswitch
  * @command  setAllswitch
  * @access   change
- * @request  radioon number|string required  0 off, 1 on
+ * @request  radioon number|string required  one of: 0 (off), 1 (on)
  * @reply    result number
  * @result   0 done
  * @result   1 another or no "type", or no "radioon"
  * @unparsed -1, logs "json data is NULL!"
  * @effects  one: as "setswitchwifi" and "set5switchwifi"
  * @effects  both: uci set system.route.dualSwitch=1, switch_2g, switch_5g; unless the schedule
- * holds Wi-Fi off: wifi set WIFIEnable[0] of both, then SSID1 and HideSSID[0] of each; start
- *           wifi_setup.sh wifi_master_enable all & (or wifi_master_disable)
+ *           holds Wi-Fi off: wifi set WIFIEnable[0] of both, then SSID1 and HideSSID[0] of each;
+ *           start wifi_setup.sh wifi_master_enable all & (or wifi_master_disable)
  * @example  {"type":"setAllswitch","radioon":"1"} => {"type":"setAllswitch","result":0}
  */
 ZELTO_API int bs_SetWifiSwitchAll(const char* request, char* out);
@@ -265,7 +278,7 @@ ZELTO_API int bs_SetWifiSwitchAll(const char* request, char* out);
  * @command  gethide2
  * @command  gethide5
  * @access   read
- * @reply    enable string  "1" hidden, "0" visible; empty when unset
+ * @reply    enable string  one of: 1 (hidden), 0 (visible), ""; empty when unset
  * @result   none on success
  * @result   1 another or no "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -283,7 +296,7 @@ ZELTO_API int bs_GetSSIDHide(const char* request, char* out);
  * @command  sethide5
  * @command  sethideall
  * @access   change
- * @request  enable number|string required  1 hidden, 0 visible
+ * @request  enable number|string required  one of: 1 (hidden), 0 (visible)
  * @reply    result number
  * @result   0 done
  * @result   1 another or no "type", or no "enable"
@@ -303,9 +316,14 @@ ZELTO_API int bs_SetSSIDHide(const char* request, char* out);
  *
  * @command  getchannelall
  * @access   read
- * @reply    configurations array  two objects, 2.4 GHz first: radio string ("2.4G", "5G"), channel
- *           number (0 automatic), curchannel number (the channel in use), countrycode string, htbw
- *           and curbw number (the same: 0 automatic, 1 20 MHz, 2 40 MHz, 3 80 MHz)
+ * @reply    configurations array  two objects, 2.4 GHz first
+ * @reply    configurations[].radio string  one of: 2.4G, 5G
+ * @reply    configurations[].channel number  0 automatic
+ * @reply    configurations[].curchannel number  the channel in use
+ * @reply    configurations[].countrycode string
+ * @reply    configurations[].htbw number  bandwidth as it was set: 0 automatic, 1 20 MHz, 2 40 MHz,
+ *           3 80 MHz
+ * @reply    configurations[].curbw number  the same
  * @result   none on success
  * @result   1 wrong or missing "type"; or channel or country cannot be read (logged): no
  *           "configurations"; or a bandwidth cannot be read: behind "configurations"
@@ -326,12 +344,14 @@ ZELTO_API int bs_GetChannelAll(const char* request, char* out);
  *
  * @command  setchannelall
  * @access   change
- * @request  channel string optional  2.4 GHz channel, "0" automatic; 14 sets the mode to 802.11b
+ * @request  channel string optional  2.4 GHz channel, "0" automatic; 14 sets the mode to 802.11b;
+ *           at most 7 characters
  * @request  countrycode string optional  country of the 2.4 GHz radio
- * @request  htbw string optional  2.4 GHz bandwidth
- * @request  channel_5 string optional  5 GHz channel
+ * @request  htbw string optional  2.4 GHz bandwidth, one of: 0 (automatic), 1 (20 MHz), 2 (40 MHz)
+ * @request  channel_5 string optional  5 GHz channel, "0" automatic; at most 7 characters
  * @request  countrycode_5 string optional  country of the 5 GHz radio
- * @request  htbw_5 string optional  5 GHz bandwidth
+ * @request  htbw_5 string optional  5 GHz bandwidth, one of: 0 (automatic), 1 (20 MHz), 2 (40 MHz),
+ *           3 (80 MHz)
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or a value that is refused
@@ -356,7 +376,7 @@ ZELTO_API int bs_SetChannelAll(const char* request, char* out);
  * @reply    channel number  0 automatic
  * @reply    curchannel number  the channel in use
  * @reply    countrycode string  two letters
- * @reply    htbw number  bandwidth as it was set
+ * @reply    htbw number  bandwidth as it was set: 0 automatic, 1 20 MHz, 2 40 MHz, 3 80 MHz
  * @reply    curbw number  the same
  * @result   none on success
  * @result   1 wrong or missing "type", or a value that cannot be read
@@ -375,7 +395,7 @@ ZELTO_API int bs_GetAdvChannel(const char* request, char* out);
  * @reply    channel number  0 automatic
  * @reply    curchannel number  the channel in use
  * @reply    countrycode string  two letters
- * @reply    htbw number  bandwidth as it was set
+ * @reply    htbw number  bandwidth as it was set: 0 automatic, 1 20 MHz, 2 40 MHz, 3 80 MHz
  * @reply    curbw number  the same
  * @result   none on success
  * @result   1 wrong or missing "type", or a value that cannot be read
@@ -394,7 +414,7 @@ ZELTO_API int bs_Get5AdvChannel(const char* request, char* out);
  * @access   change
  * @request  channel number optional  0 automatic; 14 sets the mode to 802.11b
  * @request  countrycode string optional  two letters
- * @request  htbw number optional  bandwidth
+ * @request  htbw number optional  bandwidth, one of: 0 (automatic), 1 (20 MHz), 2 (40 MHz)
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or a value that is refused
@@ -413,7 +433,8 @@ ZELTO_API int bs_SetAdvChannel(const char* request, char* out);
  * @access   change
  * @request  channel number optional  0 automatic
  * @request  countrycode string optional  two letters
- * @request  htbw number optional  bandwidth
+ * @request  htbw number optional  bandwidth, one of: 0 (automatic), 1 (20 MHz), 2 (40 MHz), 3 (80
+ *           MHz)
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or a value that is refused
@@ -467,9 +488,9 @@ ZELTO_API int bs_GetVisitor5Info(const char* request, char* out);
  *
  * @command  setvisitorinfo
  * @access   change
- * @request  gssidenable number required  1 on, anything else off
- * @request  gssid string required to switch on  SSID
- * @request  gpsw string required to switch on  passphrase
+ * @request  gssidenable number required  one of: 1 (on), 0 (off); anything but 1 is off
+ * @request  gssid string required to switch on  SSID, at most 99 bytes
+ * @request  gpsw string required to switch on  passphrase, at most 99 bytes
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", a missing member, or a value that is refused: nothing stored
@@ -489,9 +510,9 @@ ZELTO_API int bs_SetVisitorInfo(const char* request, char* out);
  *
  * @command  setvisitor5info
  * @access   change
- * @request  g5ssidenable number required  1 on, anything else off
- * @request  g5ssid string required to switch on  SSID
- * @request  g5psw string required to switch on  passphrase
+ * @request  g5ssidenable number required  one of: 1 (on), 0 (off); anything but 1 is off
+ * @request  g5ssid string required to switch on  SSID, at most 99 bytes
+ * @request  g5psw string required to switch on  passphrase, at most 99 bytes
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", a missing member, or a value that is refused: nothing stored
@@ -508,9 +529,14 @@ ZELTO_API int bs_SetVisitor5Info(const char* request, char* out);
  *
  * @command  multi_ssid
  * @access   read
- * @reply    list array  two objects, 2.4 GHz first: type string ("2.4g", "5g"), Switch number, ssid
- *           string, encryption string (security mode), pwd string, encry_alg string (always "aes"),
- *           ssid_hide string
+ * @reply    list array  two objects, 2.4 GHz first
+ * @reply    list[].type string  one of: 2.4g, 5g
+ * @reply    list[].Switch number  1 on
+ * @reply    list[].ssid string
+ * @reply    list[].encryption string  security mode
+ * @reply    list[].pwd string  passphrase
+ * @reply    list[].encry_alg string  always "aes"
+ * @reply    list[].ssid_hide string  "1" hidden
  * @result   none on success
  * @result   1 wrong or missing "type"; or a driver's key cannot be read (logged): no "list"
  * @unparsed -1, logs "json data is NULL!"
@@ -528,9 +554,14 @@ ZELTO_API int bs_GetMultiWifi(const char* request, char* out);
  *
  * @command  multi_ssid_apply
  * @access   change
- * @request  list array required  two objects, one a radio, in either order: type string ("2.4g" or
- *           "5g"), Switch number (1 on), ssid string, pwd string, ssid_hide string ("1" hidden),
- *           encryption string (security mode); all required
+ * @request  list array required  two objects, one a radio, in either order
+ * @request  list[].type string required  one of: 2.4g, 5g
+ * @request  list[].Switch number required  one of: 1 (on), 0 (off)
+ * @request  list[].ssid string required  at most 99 bytes
+ * @request  list[].pwd string required  passphrase, at most 99 bytes
+ * @request  list[].ssid_hide string required  one of: 1 (hidden), 0 (visible)
+ * @request  list[].encryption string required  security mode, one of: open, wpa2, wpa3,
+ *           wpawpa2-tkipaes, wpawpa2, wpa2wpa3
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", an entry or a member of one missing, or a value that is
@@ -583,7 +614,8 @@ ZELTO_API int bs_GetPa5Mode(const char* request, char* out);
  *
  * @command  setpamode
  * @access   change
- * @request  pamode number required  level; another number changes nothing
+ * @request  pamode number required  level, one of: 0 (40 %), 1 (60 %), 2 (100 %); another number
+ *           changes nothing
  * @reply    result number
  * @result   0 done, also when nothing changed
  * @result   1 wrong or missing "type", or no "pamode"
@@ -599,7 +631,8 @@ ZELTO_API int bs_SetPaMode(const char* request, char* out);
  *
  * @command  setpa5mode
  * @access   change
- * @request  pa5mode number required  level; another number changes nothing
+ * @request  pa5mode number required  level, one of: 0 (40 %), 1 (60 %), 2 (100 %); another number
+ *           changes nothing
  * @reply    result number
  * @result   0 done, also when nothing changed
  * @result   1 wrong or missing "type", or no "pa5mode"
@@ -630,8 +663,10 @@ ZELTO_API int bs_GetWifiMode(const char* request, char* out);
  *
  * @command  setWifiMode
  * @access   change
- * @request  twoWifiMode number optional  0 or 1; missing counts as 0, another number writes nothing
- * @request  fiveWifiMode number optional  likewise
+ * @request  twoWifiMode number optional  one of: 0 (the driver's mode 9), 1 (16); missing counts as
+ *           0, another number writes nothing
+ * @request  fiveWifiMode number optional  one of: 0 (the driver's mode 14), 1 (17); missing counts
+ *           as 0, another number writes nothing
  * @reply    result number
  * @result   0 done
  * @unparsed -1, logs "json data is NULL!"
@@ -651,8 +686,10 @@ ZELTO_API int bs_SetWifiMode(const char* request, char* out);
  * @command  wifi_schedule
  * @access   read
  * @reply    Switch string  system.route.wifi_schedule; "0" when it cannot be read
- * @reply    list array  objects in the order of the file: period string, week string; empty when
- *           there is no file. What does not fit the reply is left out, and logged
+ * @reply    list array  the entries in the order of the file; empty when there is no file. What
+ *           does not fit the reply is left out, and logged
+ * @reply    list[].period string
+ * @reply    list[].week string
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json is NULL"
@@ -667,7 +704,7 @@ ZELTO_API int bs_GetWifiScheduleData(const char* request, char* out);
  *
  * @command  wifi_schedule_apply
  * @access   change
- * @request  action string required  "add"; anything else deletes
+ * @request  action string required  one of: add, del; anything but "add" deletes
  * @request  period string required to add  a word of at most 23 characters
  * @request  week string required to add  a word of at most 23 characters; with the period at least
  *           11 characters
@@ -688,7 +725,7 @@ ZELTO_API int bs_SetWifiScheduleData(const char* request, char* out);
  *
  * @command  wifi_schedule_switch
  * @access   change
- * @request  Switch string required  "1" on, "0" off; stored as it is sent
+ * @request  Switch string required  one of: 1 (on), 0 (off); stored as it is sent
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or no "Switch"

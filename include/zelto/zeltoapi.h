@@ -38,7 +38,8 @@
  *   @access   what a front end should ask for: "open" nothing, "read" a login (the command only
  *             tells), "change" a login that may change the router, "danger" one that may run
  *             anything, erase or interrupt the router, see or set the administrator's password
- *   @request  member, JSON type, required or optional, meaning with unit and limits
+ *   @request  member, JSON type, required or optional, meaning with unit and limits; "one of: 1
+ *             (on), 0 (off)" names all values, list[].mac is a member of the objects in "list"
  *   @reply    member, JSON type, meaning; in the order of the reply, after "type"
  *   @result   number and meaning, or "none" and when
  *   @unparsed what happens to a text that is not JSON: return value and log line
