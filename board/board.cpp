@@ -22,6 +22,8 @@
 #include "board/files.h"
 #include "board/init.h"
 #include "board/interfaces.h"
+#include "board/modem.h"
+#include "board/modem/paths.h"
 #include "board/namespaces.h"
 #include "board/processes.h"
 #include "board/programs.h"
@@ -35,6 +37,9 @@ constexpr std::array kEndingSignals{SIGINT, SIGTERM, SIGHUP};
 constexpr auto kLongestWait = std::chrono::seconds(10);
 
 SharedState* state = nullptr;
+
+// Of Options, for reset().
+std::string built_in_modem;
 
 volatile sig_atomic_t supervised_process = 0;
 
@@ -72,7 +77,10 @@ int supervise_router(const Parts& parts, const Options& options, Descriptor boot
   const pid_t init = fork();
   if (init < 0) throw system_failure("fork");
   if (init == 0) {
-    std::_Exit(run_init(parts, options.services, *state, std::move(booted), inside));
+    std::_Exit(run_init(parts, options.services, *state, std::move(booted), [&] {
+      if (!built_in_modem.empty()) plug_modem(built_in_modem);
+      return inside();
+    }));
   }
   booted.reset();
   state->init_process = init;
@@ -100,6 +108,10 @@ SharedState* share_state() {
 
 int run_router(const Options& options, const std::function<int()>& inside) {
   const Parts parts = find_parts(options.programs);
+  built_in_modem = options.modem;
+  if (access((parts.rootfs + modem::kProfiles + built_in_modem).c_str(), R_OK) < 0) {
+    throw std::runtime_error("no modem " + built_in_modem);
+  }
   state = share_state();
   std::array<int, 2> ends{};
   if (pipe2(ends.data(), O_CLOEXEC) < 0) throw system_failure("pipe");
@@ -213,6 +225,7 @@ int run(const Options& options, const std::function<int()>& inside) {
 
 void reset() {
   end_request_processes(service_process());
+  if (access(modem::kProcessFile, F_OK) == 0) unplug_modem();
   // What the ended commands left behind; the library does not wait for its detached ones.
   while (waitpid(-1, nullptr, WNOHANG) > 0) {
   }
@@ -221,6 +234,7 @@ void reset() {
   restore_root();
   restore_interfaces();
   if (service_process() != 0) refresh_state_files();
+  if (!built_in_modem.empty()) plug_modem(built_in_modem);
 }
 
 void settle() {

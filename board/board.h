@@ -14,6 +14,9 @@ struct Options {
   std::vector<std::string> programs = {};
   // Whether the firmware's daemon stand-ins run (they keep the state files under /tmp fresh).
   bool services = false;
+  // The modem that is plugged in, by the name of its profile in rootfs/usr/share/modems; empty for
+  // none.
+  std::string modem = {};
   // Called in the calling process once the router is up, with the process id that the router's
   // first process has outside.
   std::function<void(int)> on_boot = {};
@@ -27,16 +30,15 @@ inline constexpr int kCannotBoot = 125;
 
 // The rest is for code that runs inside. What cannot be done is thrown as std::runtime_error.
 
-// Everything as just booted: files, interfaces with their addresses, empty journal and logs. Ends
-// what requests have started.
+// Everything as just booted: files, interfaces with their addresses, modem, empty journal and logs.
+// Ends what requests have started.
 void reset();
 
 // Waits until every command that requests have started has ended; ten seconds at most. (The
 // router's `sleep` runs a hundred times faster than asked for.)
 void settle();
 
-// Makes settle() not wait for a process that is the caller's own, such as a modem, nor reset()
-// end it.
+// Makes settle() not wait for a process that is the caller's own, nor reset() end it.
 void exempt(int process);
 
 // The effects so far in order, one line each, after settle(): "uci set network.lan.ipaddr=...",

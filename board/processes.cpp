@@ -17,6 +17,7 @@
 
 #include "board/board.h"
 #include "board/files.h"
+#include "board/modem/paths.h"
 
 namespace board {
 namespace {
@@ -25,6 +26,7 @@ constexpr int kInit = 1;
 constexpr timespec kPause{0, 200'000};
 
 struct Process {
+  std::string name;
   char state;
   int parent;
   int session;
@@ -41,7 +43,9 @@ std::optional<Process> look_at(const std::string& number) {
   const size_t name_end = text.rfind(')');
   if (name_end == std::string::npos) return {};
   std::istringstream fields(text.substr(name_end + 1));
+  const size_t name_start = text.find('(') + 1;
   Process process{};
+  process.name = text.substr(name_start, name_end - name_start);
   int group = 0;
   fields >> process.state >> process.parent >> group >> process.session;
   if (!fields) return {};
@@ -79,6 +83,8 @@ std::vector<int> request_processes(int service) {
   for (const auto& [number, process] : processes) {
     if (is_over(process) || spared.contains(number) || exempted().contains(number)) continue;
     if (service != 0 && process.session == service) continue;
+    // Belongs to the router as the services do.
+    if (process.name == modem::kProcessName) continue;
     running.push_back(number);
   }
   return running;

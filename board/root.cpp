@@ -169,6 +169,7 @@ void make_pristine_files(const Parts& parts) {
   };
   link("bin/sh", "board-sh");
   link("bin/sleep", "board-sh");
+  link("usr/sbin/modem", "board-modem");
   for (const std::string& applet : parts.applets) link(applet, "busybox");
   for (const fs::path program : parts.programs) {
     link(fs::path("usr/bin") / program.filename(), program.filename());
@@ -182,6 +183,7 @@ void place_host_files(const Parts& parts) {
   const fs::path programs = kStage / kPrograms.relative_path();
   place(parts.busybox, programs / "busybox");
   place(parts.shell, programs / "board-sh");
+  place(parts.modem, programs / "board-modem");
   for (const fs::path program : parts.programs) place(program, programs / program.filename());
   for (const auto& [name, path] : parts.libraries) place(path, kStage / "lib" / name);
 }
@@ -227,8 +229,9 @@ Parts find_parts(const std::vector<std::string>& programs) {
   Parts parts;
   parts.rootfs = setting("ZELTO_BOARD_ROOTFS", BOARD_ROOTFS);
   parts.shell = setting("ZELTO_BOARD_SH", BOARD_SH);
+  parts.modem = setting("ZELTO_BOARD_MODEM", BOARD_MODEM);
   parts.busybox = find_busybox();
-  for (const std::string& needed : {parts.rootfs, parts.shell}) {
+  for (const std::string& needed : {parts.rootfs, parts.shell, parts.modem}) {
     if (!fs::exists(needed)) throw std::runtime_error("missing: " + needed + "\n");
   }
   std::istringstream applets(output_of({parts.busybox, "--list-full"}));

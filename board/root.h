@@ -12,6 +12,7 @@ struct Parts {
   std::string rootfs;                            // directory with the firmware's files
   std::string busybox;                           // host path
   std::string shell;                             // host path of the noting shell
+  std::string modem;                             // host path of the modem
   std::vector<std::string> applets;              // "usr/bin/awk" ...
   std::map<std::string, std::string> libraries;  // by the name that programs ask for
   std::vector<std::string> programs;             // host paths
