@@ -37,10 +37,10 @@ extern ZELTO_API const ApnEntry apnlist[ZELTO_APN_COUNT];
  * Asks the modem what the status page shows.
  *
  * @param[out] signal         64 bytes: the signal as decimal text, a positive attenuation where
- * less is stronger; "0" without modem. A figure that the modem did not give counts as 0 before it
- * is converted
+ *                            less is stronger; "0" without modem. A figure that the modem did not
+ *                            give counts as 0 before it is converted
  * @param[out] operator_name  64 bytes: name in `apnlist` of the SIM's operator, empty when not
- * known
+ *                            known
  * @param[out] technology     12 bytes: access technology, the fourth field of the answer to
  *                            AT+COPS?; 11 and 13 are 5G; empty when not known
  * @return 0
@@ -55,11 +55,11 @@ ZELTO_API int getmobilebasicinfo(char* signal, char* operator_name, char* techno
  *
  * @command  get4gbasicinfo
  * @access   read
- * @reply    simcardstatus string  "1" when the router is online or the SIM is ready, else "0"
+ * @reply    simcardstatus string  one of: 1 (the router is online or the SIM is ready), 0 (neither)
  * @reply    serviceinfo string  the operator: "UNICOM", "CMCC", "CTNET", any other by its name;
  *           "unknow" when there is none
- * @reply    nettype string  "5G", "4G"; "unknow" when not registered
- * @reply    rssi string  bars, "1" to "5"
+ * @reply    nettype string  one of: 5G, 4G, unknow; the last when not registered
+ * @reply    rssi string  bars, one of: 1, 2, 3, 4, 5
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -77,7 +77,7 @@ ZELTO_API int bs_Get4gBasicInfo(const char* request, char* out);
  *
  * @command  get4gmodulestatus
  * @access   read
- * @reply    module_4Gstatus string  "1" when /dev/ttyUSB1 exists, else "0"
+ * @reply    module_4Gstatus string  one of: 1 (/dev/ttyUSB1 exists), 0 (it does not)
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -99,7 +99,7 @@ ZELTO_API int bs_Get_4Gmodule_status(const char* request, char* out);
  * @reply    profileName string  the profile's name (option apnprofile)
  * @reply    nettype string  "0" when unset
  * @reply    enable string  "0" when unset
- * @reply    simcardstatus string  as "get4gbasicinfo"
+ * @reply    simcardstatus string  one of: 1, 0; as "get4gbasicinfo"
  * @reply    serviceinfo string  as "get4gbasicinfo"
  * @reply    modlever string  the modem's firmware revision; empty when it gives none
  * @result   none on success
@@ -146,7 +146,7 @@ ZELTO_API int bs_Set_apn_info(const char* request, char* out);
  *
  * @command  get4gflowassistant
  * @access   read
- * @reply    Switch number  1 when mobile.action.flowswitch begins with "1", else 0
+ * @reply    Switch number  one of: 1 (mobile.action.flowswitch begins with "1"), 0 (it does not)
  * @reply    MonthlyPackage string  at most 31 characters; "0" when unset
  * @reply    MonUp string  bytes sent: sum of the options monup and curup
  * @reply    MonDown string  bytes received: sum of the options mondown and curdown
@@ -165,7 +165,8 @@ ZELTO_API int bs_get_4gflowassistant(const char* request, char* out);
  *
  * @command  set4gflowassistant
  * @access   change
- * @request  Switch string optional  "1" for on; at most 63 characters
+ * @request  Switch string optional  one of: 1 (on), 0 (off); stored as it is sent, at most 63
+ *           characters
  * @request  MonthlyPackage string optional  as the web page counts it; at most 63 characters
  * @reply    result number
  * @result   0 stored

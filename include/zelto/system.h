@@ -143,20 +143,22 @@ ZELTO_API int init_network_run(void);
  *
  * @command  getrouterinfo
  * @access   read
- * @reply    uptime string  as get_sysrun_time
+ * @reply    uptime string  time since the start, "days:hours:minutes:seconds", not padded with
+ *           zeros
  * @reply    cpu string  share of processor time that programs use, such as "12%"
  * @reply    downspeed string  first word of /tmp/wan_speed_file, at most 31 characters
  * @reply    upspeed string  second word, likewise
- * @reply    basicstat string  the word of GetBasicstatus, decimal
- * @reply    netlink number  1 online, 0 not
- * @reply    lan1 number  1 when LAN port 1 has a link, else 0
- * @reply    lan2 number  the same for LAN port 2
- * @reply    lan3 number  the same for LAN port 3
- * @reply    lan4 number  the same for LAN port 4
- * @reply    wan number  the same for the WAN port
+ * @reply    basicstat string  decimal sum: 1 the WAN port has a link, 2 LAN port 4, 4 port 3, 8
+ *           port 2, 16 port 1; 32 always; 64 the Internet can be reached (GetBasicstatus)
+ * @reply    netlink number  one of: 1 (the Internet can be reached), 0 (it cannot)
+ * @reply    lan1 number  one of: 1 (LAN port 1 has a link), 0 (it has none)
+ * @reply    lan2 number  one of: 1 (LAN port 2 has a link), 0 (it has none)
+ * @reply    lan3 number  one of: 1 (LAN port 3 has a link), 0 (it has none)
+ * @reply    lan4 number  one of: 1 (LAN port 4 has a link), 0 (it has none)
+ * @reply    wan number  one of: 1 (the WAN port has a link), 0 (it has none)
  * @reply    operationmode string  system.route.operationmode
  * @reply    connetype string  only in mode "router": system.route.conntype
- * @reply    link number  1 when the status word says online, else 0
+ * @reply    link number  one of: 1 (the status word says online), 0 (it does not)
  * @reply    ramtotal string  memory in kibibytes
  * @reply    ramfree string  free memory in kibibytes
  * @reply    producttype string  the board's model, "ZELTO" when it has none
@@ -165,7 +167,7 @@ ZELTO_API int init_network_run(void);
  * @reply    lanip string  IPv4 address of br-lan, empty when it has none
  * @reply    key string  system.route.CloudKey, empty when it cannot be read
  * @reply    server_type string  "1"
- * @reply    ver string  as GetFWVersion, empty when it cannot be read
+ * @reply    ver string  the firmware's version line, as GetFWVersion; empty when it cannot be read
  * @reply    hardwareversion string  "1.0"
  * @result   none on success
  * @result   1 wrong or missing "type"
@@ -187,7 +189,7 @@ ZELTO_API int bs_GetRouteInfo(const char* request, char* out);
  *
  * @command  getlanguage
  * @access   open
- * @reply    language string  "en" for "auto" and "en", "zhcn" for "zh_cn", else "unknown"
+ * @reply    language string  one of: en (stored "auto" and "en"), zhcn (stored "zh_cn"), unknown
  * @result   none on success
  * @result   1 wrong or missing "type", or the option cannot be read
  * @unparsed -1, logs "json data is NULL!"
@@ -224,7 +226,7 @@ ZELTO_API int bs_GetHostInfo(const char* request, char* out);
  *
  * @command  getsystimeinfo
  * @access   read
- * @reply    systime string  as get_system_current_time gives the date, its line feed included
+ * @reply    systime string  local time, "YYYY-MM-DD hh:mm:ss" and a line feed
  * @reply    uptime string  whole seconds
  * @result   none on success
  * @result   1 wrong or missing "type"
@@ -242,7 +244,8 @@ ZELTO_API int bs_GetSysTimeInfo(const char* request, char* out);
  *
  * @command  getversion
  * @access   read
- * @reply    version string  as GetFWVersion; empty when it cannot be read
+ * @reply    version string  the firmware's version line, as GetFWVersion; empty when it cannot be
+ *           read
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -296,8 +299,8 @@ ZELTO_API int bs_Upgrade(const char* request, char* out);
  * @command  getupgradestatus
  * @access   read
  * @reply    result number
- * @reply    status string  "downing" for 0, 1 and for no number, "burning" for 2, "timeout" for 3,
- *           "md5_Fail" for 4, "down_Fail" for 5; missing when "result" is 1
+ * @reply    status string  one of: downing (0, 1 and no number), burning (2), timeout (3), md5_Fail
+ *           (4), down_Fail (5); missing when "result" is 1
  * @result   0 the state is known
  * @result   1 wrong or missing "type", or an unknown state
  * @unparsed -1, logs "json data is NULL!"
@@ -401,7 +404,8 @@ ZELTO_API int bs_SetCmd(const char* request, char* out);
  *
  * @command  getfunlist
  * @access   read
- * @reply    list array  objects with one member: fun, an entry's name; in the order of the menu
+ * @reply    list array  the entries in the order of the menu
+ * @reply    list[].fun string  an entry's name
  * @result   none on success
  * @result   1 wrong or missing "type", or an unknown mode
  * @unparsed -1
@@ -416,11 +420,12 @@ ZELTO_API int bs_SetCmd(const char* request, char* out);
 ZELTO_API int bs_GetFunList(const char* request, char* out);
 
 /**
- * The same for the mobile web pages, for modes of exactly these names.
+ * The menu entries of the mobile web pages. As "getfunlist", for modes of exactly these names.
  *
  * @command  getmobilefunlist
  * @access   read
- * @reply    list array  objects with one member: fun, an entry's name; in the order of the menu
+ * @reply    list array  the entries in the order of the menu
+ * @reply    list[].fun string  an entry's name
  * @result   none on success
  * @result   1 wrong or missing "type", or an unknown mode
  * @unparsed -1, logs "json data is NULL!"
@@ -445,7 +450,9 @@ ZELTO_API int bs_GetMobileFunList(const char* request, char* out);
  * @command  get_periodic_restart
  * @access   read
  * @reply    Switch string  system.route.periodic_restart_switch, "0" when it cannot be read
- * @reply    list array  objects, all members strings: timing, week; in the order of the list
+ * @reply    list array  the times in the order of the list
+ * @reply    list[].timing string  time as the scheduler reads it
+ * @reply    list[].week string  its days
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json is NULL"
@@ -455,13 +462,14 @@ ZELTO_API int bs_GetMobileFunList(const char* request, char* out);
 ZELTO_API int bs_get_periodic_restart(const char* request, char* out);
 
 /**
- * Adds a restart time, or takes it away wherever it stands. The list must exist. What is in the list
- * is not added again. No scheduler is restarted.
+ * Adds a restart time, or takes it away wherever it stands. The list must exist. What is in the
+ * list is not added again. No scheduler is restarted.
  *
  * @command  periodic_restart_apply
  * @access   change
- * @request  action string required  "add"; anything else takes away
- * @request  timing string required  time as the scheduler reads it, one word of at most 63 characters
+ * @request  action string required  one of: add, del; anything but "add" takes away
+ * @request  timing string required  time as the scheduler reads it, one word of at most 63
+ *           characters
  * @request  week string required  its days, likewise; both together at least 5 characters
  * @reply    result number
  * @result   0 done
@@ -480,7 +488,8 @@ ZELTO_API int bs_periodic_restart_apply(const char* request, char* out);
  *
  * @command  periodic_restart_switch
  * @access   change
- * @request  Switch string required  as web pages know it, such as "1" and "0"; at most 127 characters
+ * @request  Switch string required  one of: 1 (on), 0 (off); stored as it is sent, at most 127
+ *           characters
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", no "Switch", or one that cannot be stored
@@ -509,20 +518,20 @@ ZELTO_API int bs_periodic_restart_switch(const char* request, char* out);
 ZELTO_API int bs_get_remote_manage(const char* request, char* out);
 
 /**
- * Opens the web pages to the WAN on the stored port, or closes them. While no port is stored, opening
- * leaves the firewall's rule as it is.
+ * Opens the web pages to the WAN on the stored port, or closes them. While no port is stored,
+ * opening leaves the firewall's rule as it is.
  *
  * @command  remote_manage_switch
  * @access   change
- * @request  Switch string required  "1" opens, any other number or text closes; at most 127
- *           characters
+ * @request  Switch string required  one of: 1 (opens), 0 (closes); any number or text but 1 closes;
+ *           at most 127 characters
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", no "Switch", or one that cannot be stored
  * @unparsed -1, logs "json data is NULL!"
  * @effects  uci set system.route.remote_manage_switch, uci del firewall.remote_web_manage
- * @effects  to open: uci add firewall.remote_web_manage=redirect, uci set of its options target, src,
- *           dest, src_dport, dest_port and proto
+ * @effects  to open: uci add firewall.remote_web_manage=redirect, uci set of its options target,
+ *           src, dest, src_dport, dest_port and proto
  * @effects  run /etc/init.d/firewall restart &
  * @example  {"type":"remote_manage_switch","Switch":"0"} =>
  *           {"type":"remote_manage_switch","result":0}
