@@ -29,6 +29,7 @@
 #include "board/programs.h"
 #include "board/root.h"
 #include "board/state_files.h"
+#include "board/usb.h"
 
 namespace board {
 namespace {
@@ -40,6 +41,7 @@ SharedState* state = nullptr;
 
 // Of Options, for reset().
 std::string built_in_modem;
+int built_in_disks = 0;
 
 volatile sig_atomic_t supervised_process = 0;
 
@@ -77,7 +79,7 @@ int supervise_router(const Parts& parts, const Options& options, Descriptor boot
   const pid_t init = fork();
   if (init < 0) throw system_failure("fork");
   if (init == 0) {
-    std::_Exit(run_init(parts, options.services, *state, std::move(booted), [&] {
+    std::_Exit(run_init(parts, options, *state, std::move(booted), [&] {
       if (!built_in_modem.empty()) plug_modem(built_in_modem);
       return inside();
     }));
@@ -107,8 +109,9 @@ SharedState* share_state() {
 }
 
 int run_router(const Options& options, const std::function<int()>& inside) {
-  const Parts parts = find_parts(options.programs);
+  const Parts parts = find_parts(options);
   built_in_modem = options.modem;
+  built_in_disks = options.usb_disks;
   if (access((parts.rootfs + modem::kProfiles + built_in_modem).c_str(), R_OK) < 0) {
     throw std::runtime_error("no modem " + built_in_modem);
   }
@@ -233,6 +236,7 @@ void reset() {
   drain_console();
   restore_root();
   restore_interfaces();
+  plug_usb_disks(built_in_disks);
   if (service_process() != 0) refresh_state_files();
   if (!built_in_modem.empty()) plug_modem(built_in_modem);
 }

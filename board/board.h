@@ -8,12 +8,24 @@
 
 namespace board {
 
+// A file or directory of the host to copy into the router when it boots.
+struct HostFile {
+  std::string source;  // absolute path; of a directory, its content is copied
+  std::string place;   // absolute path on the router
+};
+
 struct Options {
   // Host programs (absolute paths) to place in the router's /usr/bin, with the shared libraries
   // that this process and they have loaded.
   std::vector<std::string> programs = {};
+  std::vector<HostFile> files = {};
   // Whether the firmware's daemon stand-ins run (they keep the state files under /tmp fresh).
   bool services = false;
+  // With services: devices join, leave and move traffic, instead of staying as /var/board/terminals
+  // has them.
+  bool lively = false;
+  // How many USB disks are plugged in: sda1, sdb1 ..., with some folders on each.
+  int usb_disks = 0;
   // The modem that is plugged in, by the name of its profile in rootfs/usr/share/modems; empty for
   // none.
   std::string modem = {};
@@ -66,6 +78,11 @@ void set_gateway(const std::string& interface, const std::string& gateway);
 std::string read_file(const std::string& path);  // empty when absent
 void write_file(const std::string& path, std::string_view content);
 void remove_file(const std::string& path);
+
+// Plugs a USB disk in, mounted on /mnt/NAME, with `folders` at its top level; and pulls it out
+// again.
+void add_usb_disk(const std::string& name, const std::vector<std::string>& folders = {});
+void remove_usb_disk(const std::string& name);
 
 // Runs a program of the router without the journal noting it, its standard output discarded;
 // returns its exit status.

@@ -23,13 +23,16 @@
 #include <exception>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "board/board.h"
+#include "board/devices.h"
 #include "board/interfaces.h"
 #include "board/namespaces.h"
 #include "board/state_files.h"
+#include "board/usb.h"
 
 namespace board {
 namespace {
@@ -246,12 +249,31 @@ void boot(const Parts& parts) {
   open_standard_descriptors();
 }
 
-int serve_state_files() {
+// What runs beside the requests on a router in use. All of it is in the session of this process.
+// `started` gets a byte once the daemons are there.
+int serve(bool lively, const Descriptor& started) {
   setsid();
+  for (const char* service : {"/etc/init.d/sys_daemon", "/etc/init.d/miniupnpd"}) {
+    quiet({service, "start"});
+  }
+  if (!write_all(started.get(), "+")) throw system_failure("pipe");
   for (;;) {
     sleep(1);
+    if (lively) let_devices_live();
     refresh_state_files();
   }
+}
+
+pid_t start_services(std::unique_ptr<Init>& init, bool lively) {
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) < 0) throw system_failure("pipe");
+  const Descriptor reading(ends[0]);
+  Descriptor writing(ends[1]);
+  const pid_t services = start(init, [&] { return serve(lively, writing); });
+  writing.reset();
+  char byte = 0;
+  if (read(reading.get(), &byte, 1) != 1) throw std::runtime_error("the services do not start");
+  return services;
 }
 
 }  // namespace
@@ -268,15 +290,16 @@ int exit_status(int wait_status) {
                                   : WEXITSTATUS(wait_status);
 }
 
-int run_init(const Parts& parts, bool services, SharedState& state, Descriptor booted,
+int run_init(const Parts& parts, const Options& options, SharedState& state, Descriptor booted,
              const std::function<int()>& inside) {
   try {
     boot(parts);
     auto init = std::make_unique<Init>(state);
     drop_machine_rights();
-    if (services) {
+    plug_usb_disks(options.usb_disks);
+    if (options.services) {
       refresh_state_files();
-      state.service_process = start(init, serve_state_files);
+      state.service_process = start_services(init, options.lively);
     }
     if (!write_all(booted.get(), "+")) throw system_failure("pipe");
     booted.reset();

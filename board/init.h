@@ -5,6 +5,7 @@
 #include <atomic>
 #include <functional>
 
+#include "board/board.h"
 #include "board/files.h"
 #include "board/root.h"
 
@@ -26,7 +27,7 @@ inline constexpr char kMark = '\x1e';
 
 // Boots and runs `inside`; returns its exit status. `booted` is closed after a byte was written to
 // it once the router is up.
-int run_init(const Parts& parts, bool services, SharedState& state, Descriptor booted,
+int run_init(const Parts& parts, const Options& options, SharedState& state, Descriptor booted,
              const std::function<int()>& inside);
 
 // What a process of the router has around it: search path, home, umask.

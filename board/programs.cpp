@@ -12,7 +12,7 @@
 
 namespace board {
 
-int run_program(const Run& run) {
+pid_t start_program(const Run& run) {
   std::vector<char*> argv;
   for (const std::string& argument : run.arguments) {
     argv.push_back(const_cast<char*>(argument.c_str()));
@@ -42,6 +42,11 @@ int run_program(const Run& run) {
     errno = error;
     throw system_failure(run.arguments.front());
   }
+  return child;
+}
+
+int run_program(const Run& run) {
+  const pid_t child = start_program(run);
   int status = 0;
   while (waitpid(child, &status, 0) < 0) {
     if (errno != EINTR) throw system_failure("waitpid");

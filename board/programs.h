@@ -1,6 +1,8 @@
 // Runs programs of the router.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -13,6 +15,9 @@ struct Run {
   bool silent = false;     // standard output is discarded
   bool inputless = false;  // standard input is empty
 };
+
+// Starts the program and does not wait for it. Throws when it cannot be started.
+pid_t start_program(const Run& run);
 
 // Waits for the program; returns its exit status, 128 + signal number when it died of one. Throws
 // when it cannot be started.

@@ -159,6 +159,12 @@ void make_devices() {
 void make_pristine_files(const Parts& parts) {
   const fs::path pristine = kStage / kPristine.relative_path();
   mirror(parts.rootfs, pristine, {});
+  for (const HostFile& file : parts.files) {
+    const fs::path place = pristine / fs::path(file.place).relative_path();
+    fs::create_directories(place.parent_path());
+    fs::copy(file.source, place,
+             fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+  }
   for (const char* directory : kDirectories) fs::create_directories(pristine / directory);
   for (const char* file : kEmptyFiles) write_file(pristine / file, "");
   fs::create_directory(pristine / "tmp");
@@ -203,6 +209,21 @@ void make_proc() {
   }
 }
 
+// In the list of mounts a blank in a path stands as \040, and some others likewise.
+std::string without_escapes(const std::string& text) {
+  constexpr size_t kDigits = 3;
+  std::string plain;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\' || i + kDigits >= text.size()) {
+      plain += text[i];
+      continue;
+    }
+    plain += static_cast<char>(std::stoi(text.substr(i + 1, kDigits), nullptr, 8));
+    i += kDigits;
+  }
+  return plain;
+}
+
 std::set<std::string> mount_points() {
   std::set<std::string> points;
   std::istringstream lines(read_file("/proc/self/mounts"));
@@ -211,7 +232,7 @@ std::set<std::string> mount_points() {
     std::string source;
     std::string point;
     words >> source >> point;
-    points.insert(point);
+    points.insert(without_escapes(point));
   }
   return points;
 }
@@ -225,7 +246,7 @@ bool is_own_mount(const std::string& point) {
 
 }  // namespace
 
-Parts find_parts(const std::vector<std::string>& programs) {
+Parts find_parts(const Options& options) {
   Parts parts;
   parts.rootfs = setting("ZELTO_BOARD_ROOTFS", BOARD_ROOTFS);
   parts.shell = setting("ZELTO_BOARD_SH", BOARD_SH);
@@ -238,8 +259,12 @@ Parts find_parts(const std::vector<std::string>& programs) {
   for (std::string applet; std::getline(applets, applet);) parts.applets.push_back(applet);
   if (parts.applets.empty()) throw std::runtime_error(parts.busybox + " does not run\n");
   dl_iterate_phdr(add_loaded_library, &parts.libraries);
-  parts.programs = programs;
-  for (const std::string& program : programs) {
+  parts.files = options.files;
+  for (const HostFile& file : parts.files) {
+    if (!fs::exists(file.source)) throw std::runtime_error("missing: " + file.source + "\n");
+  }
+  parts.programs = options.programs;
+  for (const std::string& program : parts.programs) {
     if (access(program.c_str(), X_OK) < 0) throw std::runtime_error("no program " + program + "\n");
     add_libraries_of(program, parts.libraries);
   }

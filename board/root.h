@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "board/board.h"
+
 namespace board {
 
 // What the root is made of, found out while the host's files are still in sight.
@@ -16,9 +18,10 @@ struct Parts {
   std::vector<std::string> applets;              // "usr/bin/awk" ...
   std::map<std::string, std::string> libraries;  // by the name that programs ask for
   std::vector<std::string> programs;             // host paths
+  std::vector<HostFile> files;
 };
 
-Parts find_parts(const std::vector<std::string>& programs);
+Parts find_parts(const Options& options);
 
 // Builds the root from `parts` and moves the calling process into it, alone in its mount
 // namespace and first in its process namespace. Throws with the call that was refused.

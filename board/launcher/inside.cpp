@@ -2,13 +2,15 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <iomanip>
 #include <iostream>
+#include <thread>
 
 #include "board/board.h"
+#include "board/launcher/effects.h"
 #include "board/programs.h"
 
 namespace launcher {
@@ -16,23 +18,15 @@ namespace {
 
 constexpr const char* kPrompt = "router:\\w# ";
 
-void print_effects() {
-  constexpr int kKeywordWidth = 5;
-  std::cout << "effects, in order:\n";
-  const std::vector<std::string> effects = board::journal();
-  for (const std::string& effect : effects) {
-    const size_t keyword_end = std::min(effect.find(' '), effect.size());
-    std::cout << "  " << std::left << std::setw(kKeywordWidth) << effect.substr(0, keyword_end)
-              << effect.substr(keyword_end) << '\n';
-  }
-  if (effects.empty()) std::cout << "  (none)\n";
-  std::cout.flush();
-}
-
 int ask_one(const std::string& request) {
-  board::clear_journal();
+  // Others may be reading the journal from where they are, so it is not emptied.
+  const size_t before = board::journal().size();
   const int status = board::run_program({.arguments = {"zelto", request}, .inputless = true});
-  print_effects();
+  std::cout << "effects, in order:\n";
+  const std::vector<std::string> journal = board::journal();
+  for (size_t i = before; i < journal.size(); ++i) print_effect(journal[i]);
+  if (journal.size() <= before) std::cout << "  (none)\n";
+  std::cout.flush();
   return status;
 }
 
@@ -87,7 +81,8 @@ void take_terminal_back() {
 }
 
 int stay() {
-  for (;;) pause();
+  constexpr std::chrono::milliseconds kPause(100);
+  for (EffectFollower effects;; effects.print_new()) std::this_thread::sleep_for(kPause);
 }
 
 }  // namespace launcher
