@@ -1,9 +1,10 @@
-// The command table. A null handler is a command that is not there yet.
+// The command table.
 
 #include <zelto/access.h>
 #include <zelto/mobile.h>
 #include <zelto/network.h>
 #include <zelto/services.h>
+#include <zelto/storage.h>
 #include <zelto/system.h>
 #include <zelto/wireless.h>
 #include <zelto/zeltoapi.h>
@@ -67,13 +68,13 @@ CommandEntry zelto_handle[ZELTO_COMMAND_COUNT] = {
     {"setapninfo", bs_Set_apn_info},
     {"get4gflowassistant", bs_get_4gflowassistant},
     {"set4gflowassistant", bs_set_4gflowassistant},
-    {"sethwnat", nullptr},
-    {"gethwnat", nullptr},
+    {"sethwnat", bs_SetHwNat},
+    {"gethwnat", bs_GetHwNat},
     {"getrouterstatus", bs_GetRouteStatus},
     {"getmobilefunlist", bs_GetMobileFunList},
     {"getnetworkdiagnosisinfo", bs_GetNetworkDiagnosisInfo},
-    {"setdmz", nullptr},
-    {"getdmz", nullptr},
+    {"setdmz", bs_SetDMZInfo},
+    {"getdmz", bs_GetDMZInfo},
     {"getconnetsta", bs_ConnetSta},
     {"getrepeaterinfo", bs_GetApcliScanInfo},
     {"gethostinfo", bs_GetHostInfo},
@@ -96,8 +97,8 @@ CommandEntry zelto_handle[ZELTO_COMMAND_COUNT] = {
     {"wifi_schedule", bs_GetWifiScheduleData},
     {"wifi_schedule_apply", bs_SetWifiScheduleData},
     {"wifi_schedule_switch", bs_SetWifiScheduleSwitch},
-    {"get_upnp_info", nullptr},
-    {"set_upnp_info", nullptr},
+    {"get_upnp_info", bs_GetUpnpInfo},
+    {"set_upnp_info", bs_SetUpnpInfo},
     {"getiptvinfo", bs_GetIptvInfo},
     {"setiptvinfo", bs_SetIptvInfo},
     {"getqos", bs_GetQosInfo},
@@ -111,21 +112,21 @@ CommandEntry zelto_handle[ZELTO_COMMAND_COUNT] = {
     {"getvisitor5info", bs_GetVisitor5Info},
     {"setvisitor5info", bs_SetVisitor5Info},
     {"setcmd", bs_SetCmd},
-    {"getusbenable", nullptr},
-    {"setftpswitch", nullptr},
-    {"umountusb", nullptr},
-    {"getftpcfg", nullptr},
-    {"setftpcfg", nullptr},
-    {"getusballpath", nullptr},
-    {"setftppath", nullptr},
-    {"delftppath", nullptr},
-    {"setsambaswitch", nullptr},
-    {"getsambacfg", nullptr},
-    {"setsambacfg", nullptr},
-    {"delsambapath", nullptr},
-    {"setsambapath", nullptr},
-    {"getcwmpcfg", nullptr},
-    {"setcwmpcfg", nullptr},
+    {"getusbenable", bs_GetUsbEnable},
+    {"setftpswitch", bs_SetFtpSwitch},
+    {"umountusb", bs_UmountUsb},
+    {"getftpcfg", bs_GetFtpCfg},
+    {"setftpcfg", bs_SetFtpCfg},
+    {"getusballpath", bs_GetUsbAllPath},
+    {"setftppath", bs_SetFtpPath},
+    {"delftppath", bs_DelFtpPath},
+    {"setsambaswitch", bs_SetSambaSwitch},
+    {"getsambacfg", bs_GetSambaCfg},
+    {"setsambacfg", bs_SetSambaCfg},
+    {"delsambapath", bs_DelSambaPath},
+    {"setsambapath", bs_SetSambaPath},
+    {"getcwmpcfg", bs_GetCwmpCfg},
+    {"setcwmpcfg", bs_SetCwmpCfg},
     {"remote_manage_switch", bs_remote_manage_switch},
     {"set_remote_manage", bs_set_remote_manage},
     {"get_remote_manage", bs_get_remote_manage},
