@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -167,6 +168,53 @@ TEST_F(Board, ToolsOfTheFirmwareNoteTheirWorkInsteadOfHarming) {
   EXPECT_EQ(board::read_file("/var/log/firmware.log"),
             "firstboot -y\nZelto_Cloud stop\nreboot -f\nsvctl.lua set_iptv_portmap\n"
             "wifi_setup.sh wifi_channel all\n");
+}
+
+TEST_F(Board, UsbDisksComeAndGo) {
+  board::add_usb_disk("My disk", {"Mum's films"});
+  EXPECT_EQ(output("grep -c /mnt/ /proc/mounts; ls /mnt/*"), "1\nMum's films\n");
+  board::remove_usb_disk("My disk");
+  EXPECT_EQ(output("grep /mnt/ /proc/mounts; ls /mnt"), "");
+  board::add_usb_disk("My disk");
+  board::reset();
+  EXPECT_EQ(output("grep /mnt/ /proc/mounts; ls /mnt"), "");
+  EXPECT_THROW(board::add_usb_disk("../etc"), std::runtime_error);
+}
+
+TEST_F(Board, AccountsAreKeptAndRefusedAsTheRealToolsDo) {
+  const struct {
+    const char* command;
+    const char* seen;  // texts and the exit status unless it is 0
+  } steps[] = {
+      {"useradd -d '/mnt/a b' -s /bin/false anna; useradd -s /bin/false ben", ""},
+      {"tail -n 2 /etc/passwd",
+       "anna:x:1000:1000::/mnt/a b:/bin/false\n"
+       "ben:x:1001:1001::/home/ben:/bin/false\n"},
+      {"useradd anna", "useradd: user 'anna' already exists\n9"},
+      {"useradd 'a b'", "useradd: invalid user name 'a b'\n3"},
+      {"echo 'anna:a:\\b' | chpasswd; hash=$(awk -F : '/^anna/ {print $2}' /etc/shadow);"
+       "[ \"$hash\" = \"$(mkpasswd -m sha512 -S $(echo $hash | cut -d '$' -f 3) 'a:\\b')\" ]",
+       ""},
+      {"echo carl:x | chpasswd", "chpasswd: (line 1, user carl) password not changed\n1"},
+      {"(echo x;echo x) | smbpasswd -a -s ben; cut -d : -f 1,2 /etc/samba/smbpasswd", "ben:1001\n"},
+      {"(echo x;echo y) | smbpasswd -a -s ben", "smbpasswd: Mismatch - password unchanged.\n1"},
+      {"(echo x;echo x) | smbpasswd -a -s carl",
+       "smbpasswd: Failed to add entry for user carl.\n1"},
+      {"smbpasswd -x ben; cat /etc/samba/smbpasswd", "Deleted user ben.\n"},
+      {"userdel anna; userdel ben; cut -d : -f 1 /etc/passwd /etc/shadow",
+       "root\nnobody\nroot\nnobody\n"},
+      {"userdel anna", "userdel: user 'anna' does not exist\n6"},
+  };
+  for (const auto& step : steps) EXPECT_EQ(output(step.command), step.seen) << step.command;
+}
+
+TEST_F(Board, UpdateDaemonTakesOrdersBySignal) {
+  EXPECT_EQ(output("/etc/init.d/sys_daemon start; /etc/init.d/sys_daemon start"), "");
+  const int daemon = std::stoi(output("ps | grep sys_daemon | grep -v grep | awk '{print $1}'"));
+  board::exempt(daemon);
+  ASSERT_EQ(kill(daemon, SIGRTMAX), 0);
+  EXPECT_EQ(output("until grep 2 /tmp/upgrade_status; do usleep 10000; done 2> /dev/null"), "2\n");
+  EXPECT_EQ(output("/etc/init.d/sys_daemon stop; cat /var/board/service-sys_daemon"), "stopped\n");
 }
 
 // The machine's own clock, kernel settings and programs stay out of reach, also for its root.

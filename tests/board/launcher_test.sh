@@ -115,6 +115,9 @@ for i in 1 2 3 4 5 6 7 8 9 10; do
 done
 # shellcheck disable=SC2086 # several numbers
 for reader in $readers; do wait "$reader" || expect "reader $i" 0 1; done
+printf 'GET / HTTP/1.0\r\n\r\n' | busybox nc 127.0.0.1 "${page##*:}" |
+  { sleep 0.5; tail -c 3000000 | cmp - "$place/www/index.html"; } ||
+  expect 'a slow reader that says nothing more' 0 1
 expect 'the catalogue' 1 "$(get "$page/catalogue.json" | grep -c getlancfg | head -c 1)"
 expect 'the gateway' '{"type":"getheartbeat","result":9}' "$(ask_page '{"type":"getheartbeat"}')"
 expect 'another program on the port' 1 "$(status_of "$programs/zelto-board" --port "${page##*:}")"
