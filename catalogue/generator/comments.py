@@ -45,6 +45,14 @@ class Member:
     longest: int | None = None  # characters that a text may have
     elements: list["Member"] = dataclasses.field(default_factory=list)
 
+    def around_values(self):
+        """What the meaning says before and behind the values that `values` has."""
+        found = _VALUES.search(self.meaning) if self.values else None
+        if found is None:
+            return self.meaning, ""
+        before, behind = self.meaning[:found.start()], self.meaning[found.end():]
+        return before.rstrip(", "), behind.lstrip(";. ")
+
 
 @dataclasses.dataclass
 class Handler:

@@ -16,8 +16,9 @@ def _entry(member):
             for value, label in member.values.items()]
     if member.longest is not None:
         entry["max_length"] = member.longest
-    if member.meaning:
-        entry["description"] = member.meaning
+    description = "; ".join(part for part in member.around_values() if part)
+    if description:
+        entry["description"] = description
     if member.elements:
         entry["elements"] = [_entry(element) for element in member.elements]
     return entry

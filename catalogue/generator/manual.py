@@ -90,15 +90,19 @@ def _paragraphs(lines, known):
     return blocks
 
 
-def _values(member):
-    return ", ".join(
-        f"`{json.dumps(value, ensure_ascii=False)}`" + (f" {label}" if label else "")
+def _meaning(member, known):
+    values = ", ".join(
+        f"`{json.dumps(value, ensure_ascii=False)}`"
+        + (f" ({_prose(label, known)})" if label else "")
         for value, label in member.values.items())
+    before, behind = (_prose(part, known) for part in member.around_values())
+    named = ": ".join(part for part in (before, values) if part)
+    return "; ".join(part for part in (named, behind) if part) or " "
 
 
 def _rows(members, known, prefix=""):
     for member in members:
-        yield member, f"`{prefix}{member.name}`", _prose(member.meaning, known) or " "
+        yield member, f"`{prefix}{member.name}`", _meaning(member, known)
         yield from _rows(member.elements, known, f"{prefix}{member.name}[].")
 
 

@@ -17,7 +17,10 @@ extern "C" {
  * @command  getqos
  * @access   read
  * @request  MAC string required  a device, compared exactly, or "ALL"
- * @reply    list array  for "ALL": objects, all members strings: MAC, Up_Speed, Dl_Speed
+ * @reply    list array  for "ALL": the limits in the order of the file
+ * @reply    list[].MAC string
+ * @reply    list[].Up_Speed string
+ * @reply    list[].Dl_Speed string
  * @reply    MAC string  for a device: the device
  * @reply    Up_Speed string  for a device that has a limit: upload, in the unit of web pages
  * @reply    Dl_Speed string  likewise: download
@@ -40,7 +43,7 @@ ZELTO_API int bs_GetQosInfo(const char* request, char* out);
  * @command  setqos
  * @access   change
  * @request  MAC string required  the device, one word of at most 39 characters
- * @request  IP string required to limit  its address, likewise
+ * @request  IP string required to limit  its address, one word of at most 39 characters
  * @request  Up_Speed string required  upload, a whole number in the unit of web pages
  * @request  Dl_Speed string required  download, likewise
  * @reply    result number
@@ -79,7 +82,8 @@ ZELTO_API int bs_GetDMZInfo(const char* request, char* out);
  *
  * @command  setdmz
  * @access   change
- * @request  enable string required  a number; 0 ends it; at most 127 characters
+ * @request  enable string required  one of: 1 (exposes), 0 (ends it); any other number exposes as
+ *           well; at most 127 characters
  * @request  ip string required to expose  the host's address, at most 127 characters
  * @reply    result number
  * @result   0 done
@@ -104,7 +108,11 @@ ZELTO_API int bs_SetDMZInfo(const char* request, char* out);
  * @command  get_upnp_info
  * @access   read
  * @reply    enable number  upnpd.config.enabled
- * @reply    list array  objects, all members strings: ip, internalPort, externalPort, protocol
+ * @reply    list array  the open ports
+ * @reply    list[].ip string
+ * @reply    list[].internalPort string
+ * @reply    list[].externalPort string
+ * @reply    list[].protocol string
  * @result   none on success
  * @result   1 wrong or missing "type"; or the option cannot be read (logged: "uci get upnpd config
  *           enabled failed!"): then in place of "enable", and the list follows
@@ -120,7 +128,7 @@ ZELTO_API int bs_GetUpnpInfo(const char* request, char* out);
  *
  * @command  set_upnp_info
  * @access   change
- * @request  enable number required  1 allows it, any other does not
+ * @request  enable number required  one of: 1 (allows it), 0 (does not); nor does any other number
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", no "enable", or it cannot be stored
@@ -136,7 +144,11 @@ ZELTO_API int bs_SetUpnpInfo(const char* request, char* out);
  *
  * @command  getupnpport
  * @access   read
- * @reply    list array  objects, all members strings: ip, internal, external, protocol
+ * @reply    list array  the ports
+ * @reply    list[].ip string
+ * @reply    list[].internal string
+ * @reply    list[].external string
+ * @reply    list[].protocol string
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json is NULL"
@@ -170,7 +182,8 @@ ZELTO_API int bs_GetHwNat(const char* request, char* out);
  *
  * @command  sethwnat
  * @access   change
- * @request  status string optional  a number; 0 switches it off; at most 31 characters
+ * @request  status string optional  one of: 1 (on), 0 (off); any other number switches it on as
+ *           well; at most 31 characters
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or a status that cannot be stored
@@ -181,7 +194,7 @@ ZELTO_API int bs_GetHwNat(const char* request, char* out);
  * @effects  run iptables -t mangle -D FORWARD -m dscp --dscp-class CLASS -j MARK --set-mark MARK
  *           2>/dev/null for each class
  * @effects  on: run iptables -t mangle -A FORWARD -m dscp --dscp-class CLASS -j MARK --set-mark
- * MARK for each class
+ *           MARK for each class
  * @effects  off: start /etc/init.d/terminal_list stop;sleep 1;/etc/init.d/terminal_list start &
  * @example  {"type":"sethwnat","status":"1"} => {"type":"sethwnat","result":0}
  */
@@ -218,7 +231,7 @@ ZELTO_API int bs_GetCwmpCfg(const char* request, char* out);
  *
  * @command  setcwmpcfg
  * @access   change
- * @request  enable string required  "1" or another
+ * @request  enable string required  one of: 1 (on), 0 (off); any text but "1" is off
  * @request  url string optional  the provider's server, at most 511 characters
  * @request  username string optional  at most 511 characters
  * @request  password string optional  at most 511 characters

@@ -15,8 +15,7 @@
  * most 32 characters, and no account of the system's own (a user id below 1000). A password has 1
  * to 511 characters, none of them a control character, and is none of echo's options (-n, -e, -E).
  * A path begins with /mnt/, has at most 511 characters, none of them a control character, and no
- * component
- * "..".
+ * component "..".
  */
 #pragma once
 
@@ -145,7 +144,7 @@ ZELTO_API int del_samba_share_dir(const char* path);
  *
  * @command  getusbenable
  * @access   read
- * @reply    usbenable string  "enable" when something is mounted below /mnt, else "disable"
+ * @reply    usbenable string  one of: enable (something is mounted below /mnt), disable
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -159,7 +158,8 @@ ZELTO_API int bs_GetUsbEnable(const char* request, char* out);
  *
  * @command  getusballpath
  * @access   read
- * @reply    list array  objects with one member: usbpath, a full path that ends in "/"
+ * @reply    list array  the folders
+ * @reply    list[].usbpath string  a full path that ends in "/"
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -192,7 +192,7 @@ ZELTO_API int bs_UmountUsb(const char* request, char* out);
  *
  * @command  getftpcfg
  * @access   read
- * @reply    Switch string  "on" when system.route.vsftpd is "1", else "off"
+ * @reply    Switch string  one of: on (system.route.vsftpd is "1"), off
  * @reply    ftpuser string  the account, empty when none is set
  * @reply    ftppasswd string  its password
  * @reply    path string  its home directory, empty when none is set
@@ -215,7 +215,7 @@ ZELTO_API int bs_GetFtpCfg(const char* request, char* out);
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", a missing or refused member, no disk (logged), or a disk
- * that cannot be written (logged)
+ *           that cannot be written (logged)
  * @unparsed -1, logs "json data is NULL!"
  * @effects  run userdel OLD 2>/dev/null, when there was an account that Samba does not share
  * @effects  run echo "USER" > /etc/vsftpd/vsftpd.users
@@ -233,7 +233,7 @@ ZELTO_API int bs_SetFtpCfg(const char* request, char* out);
  *
  * @command  setftpswitch
  * @access   change
- * @request  Switch string required  "on"; anything else switches it off
+ * @request  Switch string required  one of: on, off; anything but "on" switches it off
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or no "Switch"
@@ -286,10 +286,11 @@ ZELTO_API int bs_DelFtpPath(const char* request, char* out);
  *
  * @command  getsambacfg
  * @access   read
- * @reply    Switch string  "on" when system.route.samba is "1", else "off"
+ * @reply    Switch string  one of: on (system.route.samba is "1"), off
  * @reply    sambauser string  the account, empty when none is set
  * @reply    sambapasswd string  its password
- * @reply    list array  objects with one member: path, a shared directory; at most 7
+ * @reply    list array  the shared directories, at most 7
+ * @reply    list[].path string
  * @result   none on success
  * @result   1 wrong or missing "type"
  * @unparsed -1, logs "json data is NULL!"
@@ -310,7 +311,7 @@ ZELTO_API int bs_GetSambaCfg(const char* request, char* out);
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", a missing or refused member, no disk (logged), or a disk
- * that cannot be written (logged)
+ *           that cannot be written (logged)
  * @unparsed -1, logs "json data is NULL!"
  * @effects  run /etc/init.d/samba restart; when switched off: uci set system.route.samba=1 and run
  *           /etc/init.d/samba start
@@ -331,7 +332,7 @@ ZELTO_API int bs_SetSambaCfg(const char* request, char* out);
  *
  * @command  setsambaswitch
  * @access   change
- * @request  Switch string required  "on"; anything else switches it off
+ * @request  Switch string required  one of: on, off; anything but "on" switches it off
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", or no "Switch"
@@ -347,8 +348,8 @@ ZELTO_API int bs_SetSambaSwitch(const char* request, char* out);
  *
  * @command  setsambapath
  * @access   change
- * @request  list array required  objects with one member: sambapath, a directory below /mnt/, at
- *           most 511 characters; at most 8
+ * @request  list array required  the directories, at most 8
+ * @request  list[].sambapath string required  a directory below /mnt/, at most 511 characters
  * @reply    result number
  * @result   0 done
  * @result   1 wrong or missing "type", no list, a missing or refused path, no disk (logged), or a
