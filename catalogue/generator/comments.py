@@ -81,8 +81,10 @@ class Handler:
         return _with_type(self.example_reply, command)
 
     def summary(self):
-        """The first sentence, as one line."""
-        return re.split(r"(?<=[.:]) ", " ".join(self.text[0].split()), maxsplit=1)[0].rstrip(":")
+        """The first sentence, as one line: up to a full stop, colon or semicolon."""
+        text = " ".join(self.text[0].split())
+        end = re.search(r"[.:;](?= |$)", re.sub(r"\([^)]*\)", lambda note: "x" * len(note[0]), text))
+        return text[:end.start()] + "." if end else text + "."
 
 
 def _with_type(example, command):

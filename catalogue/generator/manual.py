@@ -31,6 +31,11 @@ mostly `result`:
 | 7 | the request names no command |
 | 9 | alive |
 
+The gateway behind that path answers by itself, with another HTTP status than 200 and
+`{"error":"...","message":"..."}`, when it does not let a request through; [openapi.json](openapi.json)
+names the cases. `loginauth` begins a session, which a cookie carries; `{"type":"logout"}` ends it,
+`{"type":"session"}` tells how old it is.
+
 A text with a line break, or longer than its field holds, is refused with 1 before anything is
 stored. A reply never exceeds 16383 bytes; a list that does not fit loses its last entries.
 
@@ -41,11 +46,12 @@ Access is what a front end asks for before it lets a command through:
 | open | everyone | is needed before a login |
 | read | who has logged in | only tells, Wi-Fi keys included |
 | change | who may change the router | changes settings |
-| danger | who may do anything | runs what it is sent, erases or interrupts the router, or shows or sets the administrator's password |
+| danger | who gives the password once more, as `_password` | runs what it is sent, erases or interrupts the router, or shows or sets the administrator's password |
 
 Effects are what a command does besides answering: `uci set` and its like store an option, `wifi`
 writes a radio's driver profile, `modem` sends an AT command, `run` is a shell command that is waited
-for, `start` one that goes on behind the reply. "Not JSON" is what a handler does with such a text
+for, `start` one that goes on behind the reply. In the effects of an example a line feed stands as
+`\\n`, a backslash as `\\\\`. "Not JSON" is what a handler does with such a text
 when it is called directly; through `share_func` no handler sees one.
 """
 
@@ -121,10 +127,12 @@ def _request_table(members, known):
 
 
 def _reply_table(members, known):
+    if members[-1].name == "result" and not members[-1].meaning:
+        members = members[:-1]  # the table of results follows
+    if not members:
+        return "**Reply**: no members but `type` and `result`."
     lines = ["| reply | type | meaning |", "|---|---|---|"]
     for member, name, meaning in _rows(members, known):
-        if name == "`result`" and not member.meaning:
-            meaning = "below"
         lines.append(f"| {name} | {_type(member)} | {meaning} |")
     return "\n".join(lines)
 

@@ -12,6 +12,35 @@ _DESCRIPTION = (
     "the public headers; docs/commands.md tells more, with the effects of each command."
 )
 
+# What the gateway answers by itself, in the place of a command: status and meaning.
+_REFUSALS = {
+    400: "The request is not JSON, or not whole.",
+    401: "There is no session: log in.",
+    403: "The request comes from a foreign page, the password that the command needs is missing or "
+         "wrong, the command is switched off, or the router has no account.",
+    404: "There is no such command.",
+    405: "Requests are sent by POST.",
+    413: "The request is longer than 64 KiB.",
+    429: "Too many wrong passwords: wait as Retry-After says.",
+    500: "The command gave no reply.",
+}
+
+_CONFIRMATION = {
+    "type": "string", "format": "password", "writeOnly": True,
+    "description": "The administrator's password once more; the gateway checks it and takes it out.",
+}
+
+# The gateway's own commands, about the session.
+_OWN = {
+    "logoutRequest": {"properties": {"type": {"const": "logout"}}},
+    "logoutReply": {"properties": {"type": {"const": "logout"}, "result": {"const": 0}}},
+    "sessionRequest": {"properties": {"type": {"const": "session"}}},
+    "sessionReply": {"properties": {
+        "type": {"const": "session"}, "result": {"const": 0},
+        "idle_seconds": {"type": "integer"}, "idle_limit": {"type": "integer"},
+        "age_seconds": {"type": "integer"}, "age_limit": {"type": "integer"}}},
+}
+
 
 def _value(member):
     """The schema of a member's value."""
@@ -44,6 +73,8 @@ def request_schema(name, handler):
     """The schema of a command's request. Members that nobody knows are ignored."""
     properties = {"type": {"const": name}}
     properties |= {member.name: _value(member) for member in handler.request}
+    if handler.access == "danger":
+        properties["_password"] = _CONFIRMATION
     return {
         "type": "object",
         "description": handler.summary(),
@@ -93,15 +124,17 @@ def document(contract, recorded, version):
         schemas[f"{name}Request"] = request_schema(name, handler)
         schemas[f"{name}Reply"] = reply_schema(name, handler, recorded)
         by_subsystem[titles[handler.subsystem]].append(name)
-    names = [name for name, _ in contract.rows()]
+    for name, schema in _OWN.items():
+        schemas[name] = {"type": "object", **schema, "required": list(schema["properties"])}
+    names = [name for name, _ in contract.rows()] + ["logout", "session"]
     schemas["Refusal"] = {
         "type": "object",
-        "description": "6: no such command; 7: the request names none.",
-        "properties": {"type": {"type": "string"}, "result": {"type": "integer", "enum": [6, 7]}},
-        "required": ["result"],
+        "properties": {
+            "error": {"type": "string", "description": "a word for programs"},
+            "message": {"type": "string", "description": "a sentence for people"}},
+        "required": ["error", "message"],
     }
-    replies = _choice(names, "Reply")
-    replies["oneOf"].append({"$ref": "#/components/schemas/Refusal"})
+    refusal = {"application/json": {"schema": {"$ref": "#/components/schemas/Refusal"}}}
     return {
         "openapi": "3.1.0",
         "info": {
@@ -114,10 +147,19 @@ def document(contract, recorded, version):
             "requestBody": {"required": True, "content": {
                 "application/json": {"schema": _choice(names, "Request")}}},
             "responses": {"200": {
-                "description": "The command's reply",
-                "content": {"application/json": {"schema": replies}}}},
+                "description": "The command's reply; a login's sets the session's cookie",
+                "content": {"application/json": {"schema": _choice(names, "Reply")}}}} | {
+                    str(status): {"description": meaning, "content": refusal}
+                    for status, meaning in _REFUSALS.items()},
         }}},
-        "components": {"schemas": schemas},
+        "security": [{"cookie": []}, {"bearer": []}, {}],
+        "components": {
+            "securitySchemes": {
+                "cookie": {"type": "apiKey", "in": "cookie", "name": "zelto_session"},
+                "bearer": {"type": "http", "scheme": "bearer"},
+            },
+            "schemas": schemas,
+        },
         "x-zelto-subsystems": by_subsystem,
     }
 

@@ -20,7 +20,7 @@ extern "C" {
 /* ---- Devices -------------------------------------------------------------------------------- */
 
 /**
- * The attached devices, from /tmp/terminal_list, read under the lock that its writer takes
+ * The attached devices. They are read from /tmp/terminal_list, under the lock that its writer takes
  * (/etc/terminal_lock_file).
  *
  * @command  getterminallist
@@ -79,8 +79,8 @@ ZELTO_API int bs_ClientNum_info(const char* request, char* out);
 ZELTO_API int get_client_num(int* cable, int* wifi2g, int* wifi5g);
 
 /**
- * The wireless stations, from /tmp/wifi_list, read under a lock on the file. Has no row in the
- * command table: call it directly. The reply's "type" is the request's own.
+ * The wireless stations. They are read from /tmp/wifi_list, under a lock on the file. Has no row in
+ * the command table: call it directly. The reply's "type" is the request's own.
  *
  * @command  getwifistainfo
  * @access   read
@@ -119,7 +119,7 @@ ZELTO_API int bs_GetCurStaInfo(const char* request, char* out);
 /* ---- Parental control ----------------------------------------------------------------------- */
 
 /**
- * The parental rules, from /etc/parental_list, and their switch.
+ * The parental rules and their switch. The rules are those of /etc/parental_list.
  *
  * @command  getparentalinfo
  * @access   read
@@ -267,7 +267,7 @@ ZELTO_API void set_parental_reject_list_on(void);
 /* ---- Blacklist ------------------------------------------------------------------------------ */
 
 /**
- * The devices that are cut off, from /etc/blacklist.
+ * The devices that are cut off. They are those of /etc/blacklist.
  *
  * @command  getblacklist
  * @access   read
@@ -338,7 +338,7 @@ ZELTO_API int del_mac_from_firewall(const char* mac);
 /* ---- Aliases -------------------------------------------------------------------------------- */
 
 /**
- * Gives a device a friendly name, in /etc/mac_alias_list.
+ * Gives a device a friendly name. It is kept in /etc/mac_alias_list.
  *
  * @command  setalias
  * @access   change

@@ -87,7 +87,7 @@ ZELTO_API int bs_Get4gBasicInfo(const char* request, char* out);
 ZELTO_API int bs_Get_4Gmodule_status(const char* request, char* out);
 
 /**
- * How the modem dials, from mobile.global. Holds the password of the access point in clear.
+ * How the modem dials: the options of mobile.global. Holds the password of the access point in clear.
  *
  * @command  getapninfo
  * @access   read
@@ -139,7 +139,7 @@ ZELTO_API int bs_Get_apn_info(const char* request, char* out);
 ZELTO_API int bs_Set_apn_info(const char* request, char* out);
 
 /**
- * The monthly data allowance and the traffic so far, which the modem daemon counts.
+ * The monthly data allowance and the traffic so far. The modem daemon counts the latter.
  *
  * The allowance is read from mobile.action.monthlypackage, which is not the option that
  * "set4gflowassistant" writes.
@@ -160,8 +160,8 @@ ZELTO_API int bs_Set_apn_info(const char* request, char* out);
 ZELTO_API int bs_get_4gflowassistant(const char* request, char* out);
 
 /**
- * Switches the data assistant and stores the allowance, in mobile.action.flowswitch and
- * mobile.action.MonthlyPackage. A member that is missing empties its option.
+ * Switches the data assistant and stores the allowance. The options are mobile.action.flowswitch
+ * and mobile.action.MonthlyPackage. A member that is missing empties its option.
  *
  * @command  set4gflowassistant
  * @access   change

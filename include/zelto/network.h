@@ -779,7 +779,7 @@ ZELTO_API int bs_GetNetworkDiagnosisInfo(const char* request, char* out);
 /* ---- Port forwarding ------------------------------------------------------------------------ */
 
 /**
- * The port forwarding rules, from /etc/port_forward_list.
+ * The port forwarding rules. They are those of /etc/port_forward_list.
  *
  * @command  getforwarding
  * @access   read
@@ -800,7 +800,7 @@ ZELTO_API int bs_GetNetworkDiagnosisInfo(const char* request, char* out);
 ZELTO_API int bs_GetForwardingInfo(const char* request, char* out);
 
 /**
- * Adds, changes or removes a port forwarding rule, in the list and in the firewall's sections
+ * Adds, changes or removes a port forwarding rule: in the list and in the firewall's sections
  * redirect0, redirect1, ...
  *
  * Every copy under "name" and "name_old" is removed first. A rule has a name and an address without

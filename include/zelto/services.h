@@ -12,7 +12,7 @@ extern "C" {
 #endif
 
 /**
- * The speed limits of devices, from /etc/qos_limit_list.
+ * The speed limits of devices. They are those of /etc/qos_limit_list.
  *
  * @command  getqos
  * @access   read
@@ -102,8 +102,9 @@ ZELTO_API int bs_SetDMZInfo(const char* request, char* out);
 /* ---- UPnP ----------------------------------------------------------------------------------- */
 
 /**
- * Whether devices may open ports for themselves, and those that are open, from /tmp/upnp.leases; a
- * missing file (logged: "fopen /tmp/upnp.leases failed!") counts as an empty one.
+ * Whether devices may open ports for themselves, and those that are open. The latter are in
+ * /tmp/upnp.leases; a missing file (logged: "fopen /tmp/upnp.leases failed!") counts as an empty
+ * one.
  *
  * @command  get_upnp_info
  * @access   read
@@ -203,7 +204,7 @@ ZELTO_API int bs_SetHwNat(const char* request, char* out);
 /* ---- TR-069 --------------------------------------------------------------------------------- */
 
 /**
- * How the provider manages the router, from the first sections of the types "local", "acs" and
+ * How the provider manages the router. Read from the first sections of the types "local", "acs" and
  * "device" of the package "easycwmp". What is unset is empty. Holds a password in clear.
  *
  * @command  getcwmpcfg

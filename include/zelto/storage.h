@@ -206,7 +206,7 @@ ZELTO_API int bs_UmountUsb(const char* request, char* out);
 ZELTO_API int bs_GetFtpCfg(const char* request, char* out);
 
 /**
- * Sets the FTP account, see set_ftp_user_passwd.
+ * Sets the FTP account: see set_ftp_user_passwd.
  *
  * @command  setftpcfg
  * @access   change
@@ -245,7 +245,7 @@ ZELTO_API int bs_SetFtpCfg(const char* request, char* out);
 ZELTO_API int bs_SetFtpSwitch(const char* request, char* out);
 
 /**
- * Sets the FTP user's home directory, see set_ftp_share_dir. While no account is set only the path
+ * Sets the FTP user's home directory: see set_ftp_share_dir. While no account is set only the path
  * is kept.
  *
  * @command  setftppath
@@ -301,7 +301,7 @@ ZELTO_API int bs_DelFtpPath(const char* request, char* out);
 ZELTO_API int bs_GetSambaCfg(const char* request, char* out);
 
 /**
- * Sets the Samba account, see set_samba_user_passwd. A service that is switched off runs afterwards
+ * Sets the Samba account: see set_samba_user_passwd. A service that is switched off runs afterwards
  * all the same, until it is stopped: every change ends with a restart.
  *
  * @command  setsambacfg

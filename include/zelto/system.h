@@ -185,7 +185,7 @@ ZELTO_API int init_network_run(void);
 ZELTO_API int bs_GetRouteInfo(const char* request, char* out);
 
 /**
- * The language of the web pages, from luci.main.lang (up to 15 characters), which is also logged.
+ * The language of the web pages. It is luci.main.lang (up to 15 characters), which is also logged.
  *
  * @command  getlanguage
  * @access   open
@@ -292,7 +292,7 @@ ZELTO_API int bs_GetFirmwareVer(const char* request, char* out);
 ZELTO_API int bs_Upgrade(const char* request, char* out);
 
 /**
- * How far the upgrade is, by the number that the system daemon keeps in /tmp/upgrade_status.
+ * How far the upgrade is. The system daemon keeps it as a number in /tmp/upgrade_status.
  *
  * The reply's "type" is the request's own; without one the reply is {"result":1}.
  *
@@ -444,8 +444,8 @@ ZELTO_API int bs_GetMobileFunList(const char* request, char* out);
 /* ---- Periodic restart and remote management ------------------------------------------------- */
 
 /**
- * The times at which the router restarts of itself, from /etc/periodic_restart_list; a missing list
- * counts as an empty one. A scheduler of the firmware acts on them.
+ * The times at which the router restarts of itself. A scheduler of the firmware acts on their list,
+ * /etc/periodic_restart_list; a missing one counts as empty.
  *
  * @command  get_periodic_restart
  * @access   read

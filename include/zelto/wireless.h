@@ -252,8 +252,8 @@ ZELTO_API int bs_SetWifiStat(const char* request, char* out);
 ZELTO_API int bs_Set5WifiStat(const char* request, char* out);
 
 /**
- * Switches one radio as "setswitchwifi" does ("set2gswitch", "set5gswitch"), or both and couples
- * them ("setAllswitch"). The reply's "type" is the request's own.
+ * Switches one radio, or both and couples them. For one ("set2gswitch", "set5gswitch") it does as
+ * "setswitchwifi" does. The reply's "type" is the request's own.
  *
  * @command  set2gswitch
  * @command  set5gswitch
@@ -681,7 +681,7 @@ ZELTO_API int bs_SetWifiMode(const char* request, char* out);
 /* ---- Schedule ------------------------------------------------------------------------------- */
 
 /**
- * The times at which Wi-Fi is to be off, from /etc/wifi_schedule_list.
+ * The times at which Wi-Fi is to be off. They are those of /etc/wifi_schedule_list.
  *
  * @command  wifi_schedule
  * @access   read
