@@ -87,7 +87,8 @@ ZELTO_API int bs_Get4gBasicInfo(const char* request, char* out);
 ZELTO_API int bs_Get_4Gmodule_status(const char* request, char* out);
 
 /**
- * How the modem dials: the options of mobile.global. Holds the password of the access point in clear.
+ * How the modem dials: the options of mobile.global. Holds the password of the access point in
+ * clear.
  *
  * @command  getapninfo
  * @access   read
