@@ -10,6 +10,7 @@
 
 #include <zelto/utilities.h>
 
+#include "support/effects.h"
 #include "support/router_test.h"
 
 namespace {
@@ -61,9 +62,30 @@ TEST_F(Utilities, DetachedCommandLeavesNothingWithTheCaller) {
   EXPECT_EQ(board::read_file("/tmp/buffered"), "once");
   EXPECT_EQ(zelto_test::open_descriptors(), descriptors);
   errno = 0;
-  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG | __WALL), -1);
   EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(Utilities, DetachedCommandsKeepTheTextAndEnvironmentOfTheirCall) {
+  std::vector<std::string> expected;
+  for (int i = 100; i < 200; ++i) {
+    const auto number = std::to_string(i);
+    setenv("NUMBER", number.c_str(), 1);
+    EXPECT_EQ(zelto_system(("echo $NUMBER " + number + " >>/tmp/out").c_str()), 0);
+    expected.push_back(number + " " + number);
+  }
+  unsetenv("NUMBER");
+  board::settle();
+  EXPECT_THAT(zelto_test::expand(board::read_file("/tmp/out")),
+              testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(Utilities, DetachedCommandThatCannotBeStarted) {
   EXPECT_EQ(zelto_system(nullptr), -1);
+  EXPECT_EQ(zelto_system(std::string(1 << 20, ':').c_str()), -1);
+  ASSERT_EQ(rename("/bin/sh", "/bin/away"), 0);
+  EXPECT_EQ(zelto_system(":"), -1);
+  ASSERT_EQ(rename("/bin/away", "/bin/sh"), 0);
 }
 
 TEST_F(Utilities, CapturesAtMostWhatIsAskedFor) {
