@@ -82,7 +82,7 @@ void take_terminal_back() {
 
 int stay() {
   constexpr std::chrono::milliseconds kPause(100);
-  for (EffectFollower effects;; effects.print_new()) std::this_thread::sleep_for(kPause);
+  for (Reporter reporter;; reporter.print_new()) std::this_thread::sleep_for(kPause);
 }
 
 }  // namespace launcher

@@ -16,7 +16,7 @@ int shell();
 // Gives the terminal back to the launcher, from which shell() took it.
 void take_terminal_back();
 
-// Prints effects as they happen, until a signal ends it.
+// Prints what requests do as it happens, until a signal ends it.
 int stay();
 
 }  // namespace launcher

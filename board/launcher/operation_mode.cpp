@@ -41,6 +41,7 @@ constexpr const char* kAsBooted =
 
 std::vector<std::string> operation_modes() {
   std::vector<std::string> names;
+  names.reserve(kModes.size());
   for (const Mode& mode : kModes) names.emplace_back(mode.name);
   return names;
 }

@@ -67,10 +67,10 @@ int serve_web(const board::Descriptor& listening, const board::Descriptor& ready
     wait_until_served(server);
     if (!board::write_all(ready.get(), "+")) throw board::system_failure("pipe");
     Forwarder forwarder(listening, kWebPort);
-    EffectFollower effects;
+    Reporter reporter;
     for (;;) {
       forwarder.step(kStep);
-      effects.print_new();
+      reporter.print_new();
       require_running(server);
     }
   } catch (const std::exception& failure) {

@@ -16,8 +16,8 @@ std::vector<board::HostFile> web_files(const std::filesystem::path& web,
                                        const std::filesystem::path& catalogue);
 
 // Inside the router: serves the page to connections from `listening`, a socket made outside, and
-// prints effects as they happen, until a signal ends it. A byte goes to `ready` once the page is
-// there.
+// prints what requests do as it happens, until a signal ends it. A byte goes to `ready` once the
+// page is there.
 int serve_web(const board::Descriptor& listening, const board::Descriptor& ready);
 
 }  // namespace launcher
