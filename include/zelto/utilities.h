@@ -15,12 +15,13 @@ extern "C" {
  * Starts a shell command and forgets it: nearly every service restart goes this way.
  *
  * The command runs under /bin/sh in a session of its own, as nobody's child: with every descriptor
- * closed, in "/", with file-creation mask 0, all signals unblocked and at their defaults, and with a
- * copy of the caller's environment, which no other thread may change meanwhile. The call returns as
- * soon as the command has a process of its own, which is still about to become the shell, in a time
- * that does not depend on how large the calling process is. Signals to the caller's process group no
- * longer reach the command then, and the caller may end. Nothing is left for the caller to reap, and
- * its buffered output is not touched. What becomes of the command is not known.
+ * closed, in "/", with file-creation mask 0, all signals unblocked and at their defaults, and with
+ * a copy of the caller's environment, which no other thread may change during the call.
+ *
+ * The call returns as soon as the command has a process of its own, which is about to become the
+ * shell, in a time that does not depend on how large the calling process is. The caller may end
+ * then, and signals to its process group no longer reach the command. Nothing is left for the
+ * caller to reap, and its buffered output is not touched. What becomes of the command is not known.
  *
  * A process that ends by exit(), or unloads the library, waits at most a second until the commands
  * it has just started have their shells.
