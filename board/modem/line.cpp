@@ -19,31 +19,29 @@ constexpr int kPatienceMilliseconds = 1000;
 }  // namespace
 
 Line::Line(std::string device) : device_(std::move(device)) {
-  open();
+  replug();
 }
 
+// The device name never leads nowhere, and the old line ends when the new one is there.
 void Line::replug() {
-  master_.reset();
-  slave_.reset();
-  open();
-}
-
-void Line::open() {
-  master_ = Descriptor(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
+  Descriptor master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
   std::array<char, 64> name{};
-  if (!master_.valid() || grantpt(master_.get()) < 0 || unlockpt(master_.get()) < 0 ||
-      ptsname_r(master_.get(), name.data(), name.size()) != 0) {
+  if (!master.valid() || grantpt(master.get()) < 0 || unlockpt(master.get()) < 0 ||
+      ptsname_r(master.get(), name.data(), name.size()) != 0) {
     throw system_failure("/dev/ptmx");
   }
   // Kept open, or the line would be lost between two callers.
-  slave_ = Descriptor(::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  Descriptor slave(::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   termios modes{};
-  if (!slave_.valid() || tcgetattr(slave_.get(), &modes) < 0) throw system_failure(name.data());
+  if (!slave.valid() || tcgetattr(slave.get(), &modes) < 0) throw system_failure(name.data());
   // The terminal of a line that nobody has opened yet would echo to the modem.
   cfmakeraw(&modes);
-  if (tcsetattr(slave_.get(), TCSANOW, &modes) < 0) throw system_failure(name.data());
-  std::filesystem::remove(device_);
-  std::filesystem::create_symlink(name.data(), device_);
+  if (tcsetattr(slave.get(), TCSANOW, &modes) < 0) throw system_failure(name.data());
+  const std::string new_device = device_ + ".new";
+  std::filesystem::create_symlink(name.data(), new_device);
+  std::filesystem::rename(new_device, device_);
+  master_ = std::move(master);
+  slave_ = std::move(slave);
 }
 
 char Line::receive() {

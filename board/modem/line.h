@@ -24,8 +24,6 @@ class Line {
   void send(std::string_view bytes);
 
  private:
-  void open();
-
   std::string device_;
   Descriptor master_;
   Descriptor slave_;
