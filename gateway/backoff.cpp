@@ -25,10 +25,10 @@ struct Failures {
   std::int64_t last = 0;  // of seconds_now()
 };
 
-// 1, 2, 4 ... seconds from the last free attempt on.
+// 2, 4, 8 ... seconds from the last free attempt on.
 std::int64_t wait_after(int count) {
   if (count < kFreeAttempts) return 0;
-  return std::min(kLongestWait, std::int64_t{1} << std::min(count - kFreeAttempts, 16));
+  return std::min(kLongestWait, std::int64_t{2} << std::min(count - kFreeAttempts, 16));
 }
 
 // All sources that are remembered still, the longest silent first.

@@ -1,0 +1,15 @@
+# With a second web server where the host has one. Its module gets into the router as a program.
+set(programs $<TARGET_FILE:zelto_cgi> $<TARGET_FILE:zelto>)
+find_program(LIGHTTPD lighttpd PATHS /usr/sbin)
+find_file(LIGHTTPD_CGI mod_cgi.so PATHS /usr/lib/lighttpd NO_DEFAULT_PATH)
+if(LIGHTTPD AND LIGHTTPD_CGI)
+  file(COPY ${LIGHTTPD_CGI} DESTINATION ${CMAKE_CURRENT_BINARY_DIR}
+    FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+  list(APPEND programs ${LIGHTTPD} ${CMAKE_CURRENT_BINARY_DIR}/mod_cgi.so)
+endif()
+list(JOIN programs "\",\"" programs)
+add_executable(gateway_test gateway/gateway_test.cpp)
+target_compile_definitions(gateway_test PRIVATE GATEWAY_PROGRAMS="${programs}")
+target_link_libraries(gateway_test PRIVATE board easyuci GTest::gmock)
+add_dependencies(gateway_test zelto_cgi zelto)
+add_test(NAME gateway_test COMMAND gateway_test)
