@@ -51,8 +51,8 @@ Access is what a front end asks for before it lets a command through:
 Effects are what a command does besides answering: `uci set` and its like store an option, `wifi`
 writes a radio's driver profile, `modem` sends an AT command, `run` is a shell command that is waited
 for, `start` one that goes on behind the reply. In the effects of an example a line feed stands as
-`\\n`, a backslash as `\\\\`. "Not JSON" is what a handler does with such a text
-when it is called directly; through `share_func` no handler sees one.
+`\\n`, a backslash as `\\\\`. "Not JSON" is what a handler does with such a text when it is called
+directly; through `share_func` no handler sees one.
 """
 
 _LONG = 12  # effects that are shown at once
@@ -189,7 +189,9 @@ def _command(handler, known, has_row, recorded):
         blocks += ["Effects:", _code("text", lines)]
     blocks.append(f"Not JSON: {_prose(handler.unparsed, known)}.")
     for name in names:
-        blocks += [f"Example of {name}:" if len(names) > 1 else "Example:", *_example(recorded[name])]
+        effects = ", its reply and its effects:" if recorded[name]["effects"] else " and its reply:"
+        blocks += [f"Example of {name}{effects}" if len(names) > 1 else f"Example{effects}",
+                   *_example(recorded[name])]
     return blocks
 
 

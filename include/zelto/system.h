@@ -40,7 +40,8 @@ extern "C" {
  * @unparsed 0, logs "json data is NULL!"
  * @effects  run cat /proc/uptime | awk '{print $1}' | md5sum | awk '{print $1}' | tr -d '\n'
  * @effects  run echo TOKEN >> /tmp/token
- * @example  {"type":"loginauth","user":"admin","pass":"wrong"} => {"type":"loginauth","result":1}
+ * @example  {"type":"loginauth","user":"admin","pass":"admin"} =>
+ *           {"type":"loginauth","token":*,"first_login":*,"defmode":"router","result":0}
  */
 ZELTO_API int bs_loginauth(const char* request, char* out);
 
@@ -547,7 +548,7 @@ ZELTO_API int bs_remote_manage_switch(const char* request, char* out);
  * @request  remote_manage_port string required  at most 7 characters
  * @reply    result number
  * @result   0 done
- * @result   1 wrong or missing "type", no port, or one that cannot be stored
+ * @result   1 wrong or missing "type", no port, an empty one, or one that cannot be stored
  * @unparsed -1, logs "json data is NULL!"
  * @effects  uci set system.route.remote_manage_port, then as "remote_manage_switch" to open
  * @example  {"type":"set_remote_manage","remote_manage_port":"8080"} =>

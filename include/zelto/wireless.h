@@ -48,12 +48,12 @@ extern "C" {
  * @reply    dualSwitch string  "1" when the 5 GHz radio follows the other one; "0" when unset
  * @reply    configurations array  two objects, 2.4 GHz first
  * @reply    configurations[].radio string  one of: 2.4G, 5G
- * @reply    configurations[].enable number
+ * @reply    configurations[].enable number  1 on, 0 off
  * @reply    configurations[].wlanssid string
  * @reply    configurations[].wlanpswencry string  cipher
  * @reply    configurations[].wlanpswmode string  security mode
  * @reply    configurations[].wlanpsw string  passphrase
- * @reply    configurations[].ssidhide number
+ * @reply    configurations[].ssidhide number  1 hidden, 0 visible
  * @reply    configurations[].power number  power level; left out for a power that is none of the
  *           levels
  * @result   none on success
