@@ -1,7 +1,6 @@
 #include "storage/accounts.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "api/files.h"
 #include "api/text.h"
@@ -12,7 +11,9 @@ namespace {
 
 constexpr const char* kUsers = "/etc/passwd";
 constexpr std::size_t kLongestUser = 32;
+// Ids of people's accounts; "nobody", at the upper end of all ids, is one of the system's.
 constexpr int kFirstOrdinaryId = 1000;
+constexpr int kLastOrdinaryId = 60000;
 
 bool is_portable(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
@@ -25,8 +26,9 @@ bool is_of_system(std::string_view user) {
   if (!file) return true;
   while (const auto line = files::read_line(file.get(), std::string::npos)) {
     const auto [name, behind_name] = text::split_first(*line, ':');
-    const auto id = text::split_first(text::split_first(behind_name, ':').second, ':').first;
-    if (name == user && text::to_int(id) < kFirstOrdinaryId) return true;
+    if (name != user) continue;
+    const auto id = text::to_int(text::split_first(behind_name, ':').second);
+    if (id < kFirstOrdinaryId || id > kLastOrdinaryId) return true;
   }
   return false;
 }
