@@ -69,7 +69,10 @@ void change_switch(const Request& request, Reply& reply) {
 void change_port(const Request& request, Reply& reply) {
   const auto port = request.text("remote_manage_port");
   if (!port) return reply.result(kFailed);
-  if (!text::is_storable(*port, kLongestPort)) return refuse("set_remote_manage", reply);
+  // A rule without a port would take all of them.
+  if (port->empty() || !text::is_storable(*port, kLongestPort)) {
+    return refuse("set_remote_manage", reply);
+  }
   config::write(kPort, *port);
   open_port(*port);
   finish(reply);
