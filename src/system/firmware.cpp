@@ -45,9 +45,8 @@ void add_version(const Request& /*request*/, Reply& reply) {
 std::optional<std::string> current_version() {
   const auto file = files::open(kVersionFile);
   if (!file) return std::nullopt;
-  std::string_view rest;
   const auto line = files::read_line(file.get(), kLongestVersion).value_or("");
-  rest = line;
+  std::string_view rest = line;
   while (rest.ends_with(',')) rest.remove_suffix(1);
   return std::string(text::without_line_end(rest.substr(rest.rfind(',') + 1)));
 }
