@@ -27,9 +27,9 @@ extern "C" {
  * each ended by CR LF; empty lines, the echo of the command and NUL bytes are left out.
  *
  * Left out as well is what the modem tells unasked: the words that it announces a call or its own
- * start with (RING, RDY, ...), and, when all of the command is of the extended kind (AT+CPIN?,
- * AT^HCSQ?), a line that opens like the response to another extended command (+CREG: ...,
- * ^RSSI:...; behind +CMT: and +CBM: the message text too), unless it begins with @p prefix. A line
+ * start with (RING, RDY, ...), a message (+CMT: or +CBM: and the text behind), and, when all of the
+ * command is of the extended kind (AT+CPIN?, AT^HCSQ?), a line that opens like the response to
+ * another extended command (+CREG: ..., ^RSSI:...); lines that begin with @p prefix stay. A line
  * without such an opening, or with that of the command asked, cannot be told from the answer and
  * is taken as part of it.
  *

@@ -21,7 +21,7 @@ constexpr std::array<std::string_view, 3> kFinalResultsWithDetail = {
 constexpr std::array<std::string_view, 8> kUnsolicitedWords = {
     "RING",     "RDY",     "Call Ready",   "SMS Ready",
     "SMS DONE", "PB DONE", "POWERED DOWN", "NORMAL POWER DOWN"};
-// Announce a message, the text of which is the line that follows.
+// Announce a message, the text of which is the line that follows. No command is answered so.
 constexpr std::array<std::string_view, 2> kMessageHeaders = {"+CMT:", "+CBM:"};
 
 // The marks that the names of extended commands, and so their response lines, begin with.
@@ -119,7 +119,9 @@ void Answer::end_line() {
 
 bool Answer::is_unsolicited(std::string_view line) const {
   if (is_one_of(kUnsolicitedWords, line)) return true;
-  if (asked_.empty() || (!prefix_.empty() && line.starts_with(prefix_))) return false;
+  if (!prefix_.empty() && line.starts_with(prefix_)) return false;
+  if (begins_with_one_of(kMessageHeaders, line)) return true;
+  if (asked_.empty()) return false;
   const std::string_view name = extended_name(line);
   if (name.empty() || !line.substr(name.size()).starts_with(':')) return false;
   return std::find(asked_.begin(), asked_.end(), upper_case(name)) == asked_.end();

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <thread>
 
@@ -18,6 +19,11 @@ using std::chrono::milliseconds;
 // How often a caller looks whether the device is free: little against the second or so that a
 // command takes, and nothing to the processor.
 constexpr milliseconds kLockPoll{20};
+
+// What has come unread follows closely when it is read at last.
+constexpr milliseconds kQuiet{5};
+// A modem that never stops talking is asked all the same.
+constexpr milliseconds kLongestDrain{200};
 
 // The lock is on the device node itself: all paths to it lead to the same lock, nobody replaces
 // it, and the node that a replugged modem gets instead begins free.
@@ -42,7 +48,22 @@ bool set_up(int line) {
   // With at least one byte to read, 0 from read() means a line that is gone and nothing else.
   settings.c_cc[VMIN] = 1;
   settings.c_cc[VTIME] = 0;
-  return ::tcsetattr(line, TCSANOW, &settings) == 0 && ::tcflush(line, TCIOFLUSH) == 0;
+  return ::tcsetattr(line, TCSANOW, &settings) == 0 && ::tcflush(line, TCOFLUSH) == 0;
+}
+
+// Reads what has come unread and forgets it. A flush would not do: it empties the terminal's own
+// buffer, which then fills again from the driver's.
+void drop_unread(int line) {
+  const auto deadline = Clock::now() + kLongestDrain;
+  const auto is_unread = [line](milliseconds patience) {
+    pollfd waited{.fd = line, .events = POLLIN, .revents = 0};
+    return ::poll(&waited, 1, static_cast<int>(patience.count())) > 0;
+  };
+  std::array<char, 4096> forgotten;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+  for (auto patience = milliseconds(0); is_unread(patience) && Clock::now() < deadline;
+       patience = kQuiet) {
+    if (::read(line, forgotten.data(), forgotten.size()) <= 0) return;
+  }
 }
 
 // Waits until `line` is ready for `event`; false when the deadline passes or poll() fails. A line
@@ -72,6 +93,8 @@ SerialPort::SerialPort(const std::string& device, Clock::time_point lock_deadlin
   } else if (!set_up(line_.get())) {
     ::flock(line_.get(), LOCK_UN);
     line_.reset();
+  } else {
+    drop_unread(line_.get());
   }
 }
 

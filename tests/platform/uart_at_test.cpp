@@ -56,6 +56,8 @@ TEST(Answer, IsTheLinesUpToTheFinalResult) {
        "+CREG: 0,1\r\n+CSQ: 9,9\r\nOK\r\n"},
       {"AT+CCID", "+ICCID:", "+ICCID: 89\r\nOK\r\n", "+ICCID: 89\r\nOK\r\n"},
       {"AT+CIMI", "", "+CMT: ,5\r\nOK\r\n460\r\nOK\r\n", "460\r\nOK\r\n"},
+      {"ATI", "", "Maker\r\n+CBM: 5\r\nOK\r\nRevision: 1\r\nOK\r\n",
+       "Maker\r\nRevision: 1\r\nOK\r\n"},
       {"AT+CIMI", "", std::string("46\0001\r\n\xff+x\r\nOK\r\n", 14), "461\r\n\xff+x\r\nOK\r\n"},
   };
   for (const Exchange& each : kCases) {
@@ -174,7 +176,8 @@ TEST_F(UartAt, TalksToAModem) {
     if (command == "AT+CPIN?") return {"AT+CPIN?\r", "\r\n+CP", "IN: READY\r\n\r", "\nOK\r\n"};
     if (command == "AT+CIMI") return {"\r\n+CREG: 5\r\n", "46001\r\n", "^RSSI:9\r\n\r\nOK\r\n"};
     if (command == "AT+GARBAGE") return {garbage, "\r\n", garbage, "\r\nOK\r\n"};
-    if (command == "AT+LATE") return {"OK\r\n", "stale\r\nOK\r\n"};
+    // More than a terminal's own buffer holds.
+    if (command == "AT+LATE") return {"OK\r\n", std::string(30'000, 'x') + "\r\nOK\r\n"};
     return {"ERROR\r\n"};
   });
   const struct {
