@@ -211,3 +211,14 @@ export const facts = (pairs) =>
 
 /** A dot with a word: kind is good, bad, idle or busy. */
 export const light = (kind, text) => h('span', { class: `light ${kind}` }, h('i', { 'aria-hidden': 'true' }), text);
+
+const kHigh = 90;
+
+/** A share of a hundred as a bar, with its name before and its figure behind. */
+export function meter(label, share, text) {
+  const filled = h('div', {});
+  filled.style.width = `${share}%`;
+  return h('div', { class: 'meter' }, h('span', {}, t(label)),
+    h('div', { class: `meter-bar ${share > kHigh ? 'high' : ''}`, role: 'meter', 'aria-label': t(label), 'aria-valuemin': 0, 'aria-valuemax': 100, 'aria-valuenow': share }, filled),
+    h('span', { class: 'meter-text' }, text));
+}

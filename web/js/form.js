@@ -2,7 +2,8 @@
 //   name      member of the values
 //   label     key of its label
 //   kind      text (default), password, number, time, select, switch, choice, checks, days, period;
-//             note and heading, which only say something; custom, whose control `make` gives
+//             note and heading, which only say something; shown and custom, whose element or
+//             control `make` gives
 //   options   select, checks: pairs of value and label key, or a function of the values
 //   on, off   switch: the two values ('1' and '0' by default)
 //   check     one check of check.js or several, for a value that is not empty
@@ -169,6 +170,7 @@ export function makeFields(fields, initial, onchange = () => {}) {
     if (field.kind === 'heading') {
       return { field, element: h('h3', { class: 'wide' }, t(field.label)), refresh() {}, show() {} };
     }
+    if (field.kind === 'shown') return { field, element: field.make(), refresh() {}, show() {} };
     const hintId = field.hint && `${id}-hint`;
     const errorId = `${id}-error`;
     const common = { id, name: field.name, 'aria-describedby': [hintId, errorId].filter(Boolean).join(' ') };

@@ -59,7 +59,7 @@ export const kSecurity = [
 
 /** Names and passphrases of both bands, as quick setup wants them. */
 export const nameFields = () => [
-  { name: 'same', kind: 'switch', label: 'wifi.same', hint: 'wifi.same.hint' },
+  { name: 'same', kind: 'switch', label: 'wifi.same', hint: 'wifi.same.hint', wide: true },
   { name: 'wlan2ssid', label: 'wifi.name2', required: true, check: check.ssid },
   { name: 'wlan2psw', kind: 'password', label: 'wifi.key2', check: check.passphrase, required: true, hint: 'wifi.key.hint', autocomplete: 'new-password' },
   { name: 'wlan5ssid', label: 'wifi.name5', required: true, check: check.ssid, when: ({ same }) => same !== '1' },

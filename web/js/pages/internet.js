@@ -224,7 +224,7 @@ const forwarding = () => list({
 });
 
 const dmz = () => settings({
-  id: 'dmz', title: 'dmz.title', intro: 'dmz.intro',
+  id: 'dmz', title: 'dmz.title', intro: 'dmz.intro', wide: true,
   load: () => call('getdmz'),
   fields: [
     { name: 'enable', kind: 'switch', label: 'dmz.on' },

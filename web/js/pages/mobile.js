@@ -1,6 +1,6 @@
 import { call } from '../api.js';
 import * as check from '../check.js';
-import { card, facts, light, settings } from '../cards.js';
+import { card, facts, light, meter, settings } from '../cards.js';
 import { fill, h } from '../dom.js';
 import { bytes, t } from '../i18n.js';
 
@@ -47,26 +47,27 @@ const apn = () => settings({
 });
 
 const kMega = 1e6;
+/** What was used, as a share of the allowance where there is one. */
+function usage({ up, down, MonthlyPackage }) {
+  const used = Number(up) + Number(down);
+  const allowance = Number(MonthlyPackage) * kMega;
+  return [
+    { kind: 'note', label: t('data.used', { total: bytes(used), down: bytes(down), up: bytes(up) }), tone: 'strong' },
+    ...(allowance > 0 ? [{ kind: 'shown', make: () => meter('data.share', Math.min(100, Math.round((used / allowance) * 100)), bytes(allowance)) }] : []),
+  ];
+}
+
 const data = () => settings({
   id: 'data', title: 'data.title', intro: 'data.intro',
   load: async () => {
     const reply = await call('get4gflowassistant');
     return { Switch: String(reply.Switch), MonthlyPackage: reply.MonthlyPackage, up: reply.MonUp, down: reply.MonDown };
   },
-  fields: ({ up, down, MonthlyPackage }) => {
-    const used = Number(up) + Number(down);
-    const allowance = Number(MonthlyPackage) * kMega;
-    return [
-      { kind: 'note', label: t('data.used', { total: bytes(used), down: bytes(down), up: bytes(up) }), tone: 'strong' },
-      ...(allowance > 0 ? [{ name: 'used', kind: 'custom', label: 'data.share', make: (common) => {
-        const share = Math.min(100, Math.round((used / allowance) * 100));
-        const element = h('div', { class: 'meter' }, h('meter', { id: common.id, min: 0, max: 100, high: 90, value: share, 'aria-label': t('data.share') }), h('span', { class: 'meter-text' }, `${share} %`));
-        return { element, control: element, refresh() {} };
-      } }] : []),
-      { name: 'Switch', kind: 'switch', label: 'data.on' },
-      { name: 'MonthlyPackage', kind: 'number', label: 'data.allowance', unit: 'unit.mb', required: true, check: check.range(0, 99999999), hint: 'data.allowance.hint', when: ({ Switch }) => Switch === '1' },
-    ];
-  },
+  fields: (loaded) => [
+    ...usage(loaded),
+    { name: 'Switch', kind: 'switch', label: 'data.on' },
+    { name: 'MonthlyPackage', kind: 'number', label: 'data.allowance', unit: 'unit.mb', required: true, check: check.range(0, 99999999), hint: 'data.allowance.hint', when: ({ Switch }) => Switch === '1' },
+  ],
   save: ({ Switch, MonthlyPackage }) => call('set4gflowassistant', { Switch, MonthlyPackage }),
 });
 

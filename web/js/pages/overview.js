@@ -1,5 +1,5 @@
 import { call, poll } from '../api.js';
-import { card, facts, light } from '../cards.js';
+import { card, facts, light, meter } from '../cards.js';
 import { speedChart } from '../chart.js';
 import { fill, h, pause } from '../dom.js';
 import { bytes, duration, speed, t } from '../i18n.js';
@@ -10,9 +10,6 @@ const kEvery = 3000;
 const kDevicesEvery = 4;
 // It lasts as long as the page is open, so that going elsewhere and back keeps the curve.
 const kHistory = [];
-
-const meter = (label, share, text) =>
-  h('div', { class: 'meter' }, h('span', {}, label), h('meter', { min: 0, max: 100, high: 90, value: share, 'aria-label': label }), h('span', { class: 'meter-text' }, text));
 
 const port = (name, linked) =>
   h('li', { class: linked ? 'linked' : '' }, icon('plug'), h('strong', {}, name), h('span', {}, t(linked ? 'port.on' : 'port.off')));
@@ -54,7 +51,7 @@ function cards({ signal }) {
       const [total, free] = [Number(info.ramtotal), Number(info.ramfree)];
       const used = total > 0 ? Math.round(((total - free) / total) * 100) : 0;
       return [
-        meter(t('overview.cpu'), cpu, `${cpu} %`), meter(t('overview.memory'), used, `${bytes((total - free) * 1024)} / ${bytes(total * 1024)}`),
+        meter('overview.cpu', cpu, `${cpu} %`), meter('overview.memory', used, `${bytes((total - free) * 1024)} / ${bytes(total * 1024)}`),
         facts([['overview.uptime', duration(info.uptime)], ['system.version', info.ver.split(',').at(-1)], ['lan.address', info.lanip]]),
       ];
     },
@@ -95,19 +92,19 @@ function cards({ signal }) {
     hero,
     card({ id: 'speed', title: 'overview.speed', wide: true, show: (body) => fill(body, now, chart.element) }).element,
     live('ports', 'overview.ports', 'ports'),
+    live('clients', 'overview.clients', 'clients'),
     card({
       id: 'uplink', title: 'overview.uplink',
       load: () => call('getwaninfo'),
       show: (body, info) => fill(body, facts([['address', info.ip], ['gateway', info.gateway], ['dns.label', [...new Set([info.dns1, info.dns2])].filter(Boolean).join(', ')], ['mac', info.wan_mac]]), link('#/internet', 'overview.toInternet')),
     }).element,
-    card({
-      id: 'names', title: 'overview.wifi',
-      load: () => call('getwlancfgall'),
-      show: (body, { configurations }) => fill(body, configurations.map((radio) => h('div', { class: 'network-line' }, icon('wifi'),
-        h('div', {}, h('strong', {}, radio.wlanssid), h('span', {}, radio.radio === '5G' ? '5 GHz' : '2.4 GHz')), light(radio.enable === 1 ? 'good' : 'idle', t(radio.enable === 1 ? 'on' : 'off')))), link('#/wifi', 'overview.toWifi')),
-    }).element,
-    live('clients', 'overview.clients', 'clients'),
     live('health', 'overview.health', 'health'),
+    card({
+      id: 'names', title: 'overview.wifi', wide: true,
+      load: () => call('getwlancfgall'),
+      show: (body, { configurations }) => fill(body, h('div', { class: 'network-lines' }, configurations.map((radio) => h('div', { class: 'network-line' }, icon('wifi'),
+        h('div', {}, h('strong', {}, radio.wlanssid), h('span', {}, radio.radio === '5G' ? '5 GHz' : '2.4 GHz')), light(radio.enable === 1 ? 'good' : 'idle', t(radio.enable === 1 ? 'on' : 'off'))))), link('#/wifi', 'overview.toWifi')),
+    }).element,
   ];
   watch().catch(() => {});
   return all;

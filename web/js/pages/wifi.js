@@ -14,10 +14,10 @@ function bandFields([n, heading]) {
   const inUse = (values) => there(values) && values[`enable${n}`] === 1;
   return [
     { kind: 'heading', label: heading, when: there },
-    { name: `enable${n}`, kind: 'switch', label: 'wifi.on', on: 1, off: 0, when: there },
+    { name: `enable${n}`, kind: 'switch', label: 'wifi.on', on: 1, off: 0, when: there, wide: true },
     { name: `ssid${n}`, label: 'wifi.name', required: inUse, check: check.ssid, when: there },
-    { name: `mode${n}`, kind: 'select', label: 'wifi.security', options: kSecurity, when: there },
     { name: `key${n}`, kind: 'password', label: 'wifi.key', hint: 'wifi.key.hint', required: true, check: check.passphrase, when: (values) => there(values) && locked(values[`mode${n}`]), autocomplete: 'new-password' },
+    { name: `mode${n}`, kind: 'select', label: 'wifi.security', options: kSecurity, when: there },
     { name: `hide${n}`, kind: 'switch', label: 'wifi.hide', hint: 'wifi.hide.hint', on: 1, off: 0, when: there },
   ];
 }
@@ -96,10 +96,10 @@ const guests = () => settings({
     const used = (values) => values[`on${i}`] === 1;
     return [
       { kind: 'heading', label: heading },
-      { name: `on${i}`, kind: 'switch', label: 'guest.on', on: 1, off: 0 },
+      { name: `on${i}`, kind: 'switch', label: 'guest.on', on: 1, off: 0, wide: true },
       { name: `ssid${i}`, label: 'wifi.name', required: true, check: check.ssid, when: used },
-      { name: `mode${i}`, kind: 'select', label: 'wifi.security', options: kSecurity, when: used },
       { name: `key${i}`, kind: 'password', label: 'wifi.key', hint: 'wifi.key.hint', required: true, check: check.passphrase, when: (values) => used(values) && locked(values[`mode${i}`]), autocomplete: 'new-password' },
+      { name: `mode${i}`, kind: 'select', label: 'wifi.security', options: kSecurity, when: used },
       { name: `hide${i}`, kind: 'switch', label: 'wifi.hide', when: used },
     ];
   }),
