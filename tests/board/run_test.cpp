@@ -54,6 +54,18 @@ TEST(Run, HandsBackTheExitStatus) {
   EXPECT_EQ(board::run({}, [] { return raise(SIGKILL); }), 128 + SIGKILL);
 }
 
+TEST(Run, HasTheModemItIsBuiltWith) {
+  const auto kind = [] {
+    board::reset();
+    board::settle();
+    return std::filesystem::exists("/dev/ttyUSB1") ? std::stoi(board::read_file("/tmp/mob_type"))
+                                                   : 0;
+  };
+  EXPECT_EQ(board::run({.modem = "sa"}, kind), 5);
+  EXPECT_EQ(board::run({}, kind), 0);
+  EXPECT_EQ(board::run({.modem = "none such"}, kind), board::kCannotBoot);
+}
+
 TEST(Run, LeavesNothingBehind) {
   const std::string mounts = board::read_file("/proc/self/mountinfo");
   int booted = 0;
