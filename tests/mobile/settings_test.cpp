@@ -27,7 +27,7 @@ class MobileSettings : public RouterTest {
 };
 
 TEST_F(MobileSettings, ComeBackAsTheyWereSet) {
-  board::plug_modem("like lte\nATI\n  x y\n  Revision: R1 (b)\n");
+  board::plug_modem("like chatty\nATI\n  x y\n  Revision: R1 (b)\n");
   for (const char* value :
        {"a", R"('\"$(`)", R"($0;|&\\)", "%s%n <>", " ~\\u0001 ", "\u00fc\u4e2d"}) {
     EXPECT_EQ(set(settings(value)), R"({"type":"setapninfo","result":0})") << value;
