@@ -1,7 +1,6 @@
 #include "access/parental_list.h"
 
 #include <algorithm>
-#include <sstream>
 #include <string_view>
 
 #include <zelto/access.h>
@@ -11,6 +10,7 @@
 #include "api/envelope.h"
 #include "api/log.h"
 #include "api/names.h"
+#include "api/text.h"
 
 namespace zelto::parental {
 
@@ -23,8 +23,7 @@ const ListFile kList = {
 
 Rule parse(const std::string& record) {
   Rule rule;
-  std::istringstream words(record);
-  words >> rule.alias >> rule.device >> rule.mac >> rule.time >> rule.days;
+  text::read_words(record, {&rule.alias, &rule.device, &rule.mac, &rule.time, &rule.days});
   return rule;
 }
 

@@ -99,6 +99,10 @@ std::pair<std::string_view, std::string_view> first_word(std::string_view text) 
   return {word, text};
 }
 
+void read_words(std::string_view text, std::initializer_list<std::string*> words) {
+  for (std::string* word : words) *word = take_word(text);
+}
+
 std::pair<std::string_view, std::string_view> split_first(std::string_view text, char separator) {
   const auto position = text.find(separator);
   if (position == std::string_view::npos) return {text, {}};

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,9 @@ std::pair<std::string, std::string> two_words(std::string_view text);
 
 // The first word of a text and what stands behind it.
 std::pair<std::string_view, std::string_view> first_word(std::string_view text);
+
+// The first words of a text, one for each of `words`; those that it lacks come out empty.
+void read_words(std::string_view text, std::initializer_list<std::string*> words);
 
 // What stands before the first and behind the first `separator`; all and nothing without one.
 std::pair<std::string_view, std::string_view> split_first(std::string_view text, char separator);

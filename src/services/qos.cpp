@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,8 +43,7 @@ struct Limit {
 
 Limit parse(const std::string& record) {
   Limit limit;
-  std::istringstream words(record);
-  words >> limit.mac >> limit.ip >> limit.up >> limit.down >> limit.mark;
+  text::read_words(record, {&limit.mac, &limit.ip, &limit.up, &limit.down, &limit.mark});
   return limit;
 }
 
