@@ -13,12 +13,15 @@ Usage:
   zelto [OPTION...] REQUEST
   zelto [OPTION...] [-]
   zelto list
+  zelto rpcd list | zelto rpcd call TYPE
 
 TYPE names the command; each MEMBER=VALUE becomes a member of the request with a text for value,
 each MEMBER:=JSON one with a JSON value such as a number. REQUEST is the whole request, a JSON
 object. With "-" or nothing the request is read from standard input.
 
-  list       the commands, one a line, each with "live" or with "-" when it is not there yet
+  list       the commands, one a line, each with "live", or with "-" when it has no handler
+  rpcd       speaks as a plugin of the RPC daemon: "list" prints the commands and their members,
+             "call" reads the members from standard input
 
 Options:
   --pretty   print the reply on several lines (the default on a terminal)
@@ -83,6 +86,16 @@ void read_option(const std::string& option, CommandLine& line) {
   }
 }
 
+CommandLine read_rpcd(const std::vector<std::string>& words) {
+  CommandLine line;
+  const bool lists = words.size() == 2 && words[1] == "list";
+  const bool calls = words.size() == 3 && words[1] == "call";
+  if (!lists && !calls) throw UsageError("'rpcd' takes 'list' or 'call TYPE'");
+  line.action = lists ? Action::kRpcList : Action::kRpcCall;
+  if (calls) line.command = words[2];
+  return line;
+}
+
 }  // namespace
 
 CommandLine read_command_line(const std::vector<std::string>& arguments) {
@@ -98,6 +111,7 @@ CommandLine read_command_line(const std::vector<std::string>& arguments) {
   if (line.action != Action::kRequestFromInput || words.empty()) return line;
 
   const std::string& first = words.front();
+  if (first == "rpcd") return read_rpcd(words);
   const bool stands_alone = first == "-" || first == "list" || is_request(first);
   if (stands_alone && words.size() > 1) {
     throw UsageError("nothing may follow '" + first + "'");

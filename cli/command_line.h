@@ -8,13 +8,14 @@
 
 namespace cli {
 
-enum class Action { kHelp, kVersion, kList, kRequest, kRequestFromInput };
+enum class Action { kHelp, kVersion, kList, kRpcList, kRpcCall, kRequest, kRequestFromInput };
 enum class Layout { kAutomatic, kPretty, kRaw };
 
 struct CommandLine {
   Action action = Action::kRequestFromInput;
   Layout layout = Layout::kAutomatic;
   std::string request;  // with Action::kRequest: the JSON text
+  std::string command;  // with Action::kRpcCall: its method
 };
 
 // What the user typed makes no sense; the text says why.

@@ -53,6 +53,16 @@ std::string RequestBuilder::text() const {
   return printed(cJSON_PrintUnformatted(request_.get()));
 }
 
+std::optional<std::string> with_type(const std::string& object, const std::string& type) {
+  const Json whole = parsed(object);
+  if (!cJSON_IsObject(whole.get())) return std::nullopt;
+  while (cJSON_HasObjectItem(whole.get(), "type") != 0) {
+    cJSON_DeleteItemFromObject(whole.get(), "type");
+  }
+  add(whole.get(), "type", Json(cJSON_CreateString(type.c_str())));
+  return printed(cJSON_PrintUnformatted(whole.get()));
+}
+
 std::optional<std::string> pretty(const std::string& json) {
   const Json whole = parsed(json);
   if (!whole) return std::nullopt;

@@ -30,6 +30,10 @@ class RequestBuilder {
   Json request_;
 };
 
+// The object with its "type", whatever it has of it, set to this one; nothing when the text is no
+// JSON object.
+std::optional<std::string> with_type(const std::string& object, const std::string& type);
+
 // The text on several lines with indentation; nothing when it is not JSON.
 std::optional<std::string> pretty(const std::string& json);
 

@@ -17,6 +17,7 @@
 
 #include "cli/command_line.h"
 #include "cli/json.h"
+#include "cli/rpcd.h"
 
 namespace {
 
@@ -91,6 +92,12 @@ int run(const cli::CommandLine& line) {
       return kDone;
     case cli::Action::kList:
       return list();
+    case cli::Action::kRpcList:
+      print(cli::rpcd::list() + "\n");
+      return kDone;
+    case cli::Action::kRpcCall:
+      print(cli::rpcd::call(line.command, read_request()) + "\n");
+      return kDone;
     case cli::Action::kRequest:
       return ask(line.request, line.layout);
     case cli::Action::kRequestFromInput:

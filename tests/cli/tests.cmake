@@ -5,3 +5,6 @@ target_compile_definitions(zelto_test PRIVATE
 target_link_libraries(zelto_test PRIVATE board GTest::gmock)
 add_dependencies(zelto_test zelto)
 add_test(NAME zelto_test COMMAND zelto_test)
+
+add_test(NAME completion_test COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/cli/completion_test.sh
+  ${PROJECT_SOURCE_DIR}/packaging/bash-completion/zelto)

@@ -99,6 +99,25 @@ TEST_F(Zelto, ListsTheCommandsInTableOrder) {
             (Outcome{0, ""}));
 }
 
+TEST_F(Zelto, SpeaksAsAPluginOfTheRpcDaemon) {
+  const auto listed = run("zelto rpcd list");
+  EXPECT_THAT(listed.output, HasSubstr(R"("set_upnp_info":{"enable":0})"));
+  EXPECT_THAT(listed.output, HasSubstr(R"("setsambapath":{"list":[]},)"));
+  EXPECT_EQ(run("zelto rpcd list | zelto rpcd call getheartbeat"),
+            (Outcome{0, "{\"type\":\"getheartbeat\",\"result\":9}\n"}));
+  const std::vector<std::pair<std::string, std::string>> cases{
+      {R"(printf '{"type":"reboot","Type":"restore"}' | zelto rpcd call getlanguage)",
+       R"({"type":"getlanguage","language":"en"})"},
+      {R"(printf '{"status":"1' | zelto rpcd call sethwnat)", R"({"type":"sethwnat","result":1})"},
+      {R"(printf '[]' | zelto rpcd call sethwnat)", R"({"type":"sethwnat","result":1})"},
+      {R"(printf '{}' | zelto rpcd call 'no"such')", R"({"result":6})"},
+  };
+  for (const auto& [command, reply] : cases) {
+    EXPECT_EQ(run(command), (Outcome{0, reply + "\n"})) << command;
+  }
+  EXPECT_EQ(run("zelto rpcd call").status, 2);
+}
+
 TEST_F(Zelto, HelpsItself) {
   const auto [status, output] = run("zelto --help");
   EXPECT_EQ(status, 0);
