@@ -119,12 +119,17 @@ export async function hasSession() {
   }
 }
 
-/** Effects since the last call, where the router keeps such a journal; null elsewhere. */
-export async function journal() {
+/**
+ * What requests did to the router, where it keeps such a journal; null elsewhere. Gives the lines
+ * behind the first `since` ones, none without it, and what to ask with `next`.
+ */
+export async function journal(since) {
   try {
-    const response = await fetch('/cgi-bin/journal', { credentials: 'same-origin', cache: 'no-store' });
+    const query = since === undefined ? '' : `?since=${since}`;
+    const response = await fetch(`/cgi-bin/journal${query}`, { credentials: 'same-origin', cache: 'no-store' });
     if (!response.ok) return null;
-    return (await response.text()).split('\n').filter(Boolean);
+    const lines = (await response.text()).split('\n').filter(Boolean);
+    return { lines, next: Number(response.headers.get('X-Journal-Next')) };
   } catch {
     return null;
   }

@@ -147,8 +147,9 @@ async function loadFunctions() {
 async function wizardDone() {
   state.wizard = null;
   await loadFunctions();
-  window.location.hash = '#/overview';
-  render({ focus: true });
+  // A change of the address shows the page by itself.
+  if (route()[0] === 'overview') render({ focus: true });
+  else window.location.hash = '#/overview';
 }
 
 /** Called after a login; the password is only handed to the wizard, which needs it once more. */

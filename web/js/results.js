@@ -17,7 +17,8 @@ function rejection({ status, word, retryAfter }) {
     if (retryAfter === 0) return t('error.429');
     return retryAfter < 120 ? t('error.429.seconds', { n: retryAfter }) : t('error.429.minutes', { n: minutes });
   }
-  if (status === 403 && word === 'disabled') return t('error.disabled');
+  const said = `error.${word}`;
+  if (word && hasText(said)) return t(said);
   const known = `error.${status}`;
   return hasText(known) ? t(known) : t('error.other', { status });
 }
@@ -36,4 +37,5 @@ export function sentence(error) {
 export const givenUp = (error) => error?.name === 'AbortError';
 
 /** Whether a command is not there on this router. */
-export const missing = (error) => error instanceof Refused && error.result === kUnknown;
+export const missing = (error) =>
+  (error instanceof Refused && error.result === kUnknown) || (error instanceof Rejected && error.word === 'unknown_command');

@@ -4,10 +4,11 @@
 import { catalogue, journal, send } from '../api.js';
 import { attempt, card } from '../cards.js';
 import { notice } from '../dialog.js';
-import { fill, h, newId } from '../dom.js';
+import { fill, h, newId, pause } from '../dom.js';
 import { t } from '../i18n.js';
 
 const kText = 'string';
+const kMoment = 400;
 
 /** A value as the request carries it, by the type that its member has. */
 function valueOf(type, text) {
@@ -52,6 +53,7 @@ function show(body, commands) {
   const about = h('div', { class: 'console-about', lang: 'en' });
   const text = h('textarea', { id: 'console-request', rows: '5', spellcheck: 'false', class: 'mono' });
   const reply = h('pre', { id: 'console-reply', class: 'mono', tabindex: '0', 'aria-live': 'polite' });
+  const timing = h('span', { class: 'quiet' });
   const effects = h('div', { id: 'console-journal', class: 'journal', hidden: true, 'aria-live': 'polite' });
   const search = h('input', { type: 'search', id: 'console-search', 'aria-label': t('console.search'), placeholder: t('console.search'), autocomplete: 'off', oninput: () => offer() });
   const choose = h('select', { id: 'console-command', size: '10', 'aria-label': t('console.command'), onchange: () => take(choose.value) });
@@ -90,22 +92,25 @@ function show(body, commands) {
       fill(place, notice('error', t('console.notJson')));
       return;
     }
-    await journal();
+    const before = await journal();
     const began = performance.now();
     const answer = await send(request, { seconds: 180 });
     const took = Math.round(performance.now() - began);
     fill(reply, JSON.stringify(answer, null, 2));
-    const lines = await journal();
-    effects.hidden = lines === null;
-    fill(effects, h('h3', {}, t('console.journal')), lines?.length ? h('ol', { class: 'mono' }, lines.map(journalLine)) : h('p', { class: 'empty' }, t('console.noeffects')),
-      h('p', { class: 'quiet' }, t('console.took', { n: took })));
+    fill(timing, t('console.took', { n: took }));
+    effects.hidden = before === null;
+    if (before === null) return;
+    // What is started beside the answer notes itself a moment later.
+    await pause(kMoment);
+    const { lines } = (await journal(before.next)) ?? { lines: [] };
+    fill(effects, h('h3', {}, t('console.journal')), lines.length > 0 ? h('ol', { class: 'mono' }, lines.map(journalLine)) : h('p', { class: 'empty' }, t('console.noeffects')));
   }
 
   fill(body, h('div', { class: 'console' },
     h('div', { class: 'console-left' }, search, choose),
     h('div', { class: 'console-right' }, about, form,
       h('label', { for: 'console-request' }, t('console.request')), text, place, h('div', { class: 'actions' }, button),
-      h('h3', {}, t('console.reply')), reply, effects)));
+      h('h3', {}, t('console.reply'), ' ', timing), reply, effects)));
   offer();
   choose.value = commands.some(({ name }) => name === 'getrouterstatus') ? 'getrouterstatus' : commands[0]?.name;
   take(choose.value);

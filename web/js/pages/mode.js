@@ -21,7 +21,8 @@ export const modeName = (stored) => {
   return known ? t(known[1]) : stored;
 };
 
-const joins = ({ opermode }) => opermode === 'wisp' || opermode === 'repeater';
+/** Whether a mode joins another network. */
+export const joins = ({ opermode }) => opermode === 'wisp' || opermode === 'repeater';
 const needsKey = (values) => joins(values) && values.network && !/OPEN|NONE/.test(values.network.security.split('/')[0]);
 
 /** How strong a signal is, in words and bars. */

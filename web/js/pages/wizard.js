@@ -9,7 +9,7 @@ import * as check from '../check.js';
 import { t } from '../i18n.js';
 import { givenUp, sentence } from '../results.js';
 import { nameFields } from './fields.js';
-import { followMode, loadMode, modeFields, modeName, modeRequest } from './mode.js';
+import { followMode, joins, loadMode, modeFields, modeName, modeRequest } from './mode.js';
 
 const passwordFields = (old) => [
   { name: 'routepwd', kind: 'password', label: 'wizard.password', required: true, autocomplete: 'new-password', hint: 'wizard.password.hint',
@@ -69,7 +69,7 @@ export function wizardPage({ password, signal, done }) {
     ['wizard.password', t(values.password === 'new' ? 'wizard.password.new' : 'wizard.password.kept')],
     ['mode.label', modeName(values.opermode)],
     values.opermode === 'router' && ['wan.mode', t(`wan.${values.wanmode}`)],
-    values.network && ['survey.label', values.network.ssid],
+    joins(values) && ['survey.label', values.network.ssid],
     ['wifi.name2', values.wlan2ssid],
     ['wifi.name5', values.same === '1' ? values.wlan2ssid : values.wlan5ssid],
   ]);

@@ -558,6 +558,8 @@ export default {
   'error.500': 'The router had a fault while it worked on this.',
   'error.other': 'The router answered with error {status}.',
   'error.disabled': 'This command is switched off on this router.',
+  'error.unknown_command': 'This router does not know this command.',
+  'error.account_unset': 'This router has no administrator account yet, so nobody can log in. Reset it to its factory settings.',
   'error.missing': 'This router does not offer this.',
   'error.stopped': 'Stopped.',
   'error.unreachable': 'The router does not answer. Are you still in its network?',

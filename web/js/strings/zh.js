@@ -558,6 +558,8 @@ export default {
   'error.500': '路由器处理时出错。',
   'error.other': '路由器返回错误 {status}。',
   'error.disabled': '此命令在本路由器上已停用。',
+  'error.unknown_command': '此路由器不支持该命令。',
+  'error.account_unset': '此路由器尚未设置管理员账号，无法登录。请恢复出厂设置。',
   'error.missing': '此路由器不提供此功能。',
   'error.stopped': '已停止。',
   'error.unreachable': '路由器没有应答。您是否仍连接在它的网络中？',
