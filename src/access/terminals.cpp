@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <limits>
 #include <optional>
@@ -44,7 +43,7 @@ const char* link_type(std::string_view interface) {
 // Connected seconds as an instant after the epoch: days are days of its month, so they begin again
 // after a month, and pages are used to it.
 std::string link_time(std::string_view seconds) {
-  const std::time_t instant = std::strtol(std::string(seconds).c_str(), nullptr, 10);
+  const std::time_t instant = text::to_int64(seconds);
   std::tm time{};
   if (gmtime_r(&instant, &time) == nullptr) return "0:0:0";
   const auto clock = text::format("%d:%d:%d", time.tm_hour, time.tm_min, time.tm_sec);
