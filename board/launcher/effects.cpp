@@ -57,7 +57,7 @@ std::vector<std::string> Follower::new_lines() {
 size_t Follower::size() const {
   std::error_code error;
   const auto size = std::filesystem::file_size(path_, error);
-  return error ? 0 : size;
+  return error ? 0 : static_cast<size_t>(size);
 }
 
 std::string Follower::unread() {
