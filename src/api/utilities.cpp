@@ -82,7 +82,7 @@ int check_status(const char* name) {
 
 int check_file_exist(const char* path) {
   const auto file = path == nullptr ? nullptr : zelto::files::open(path);
-  return file && std::fseek(file.get(), 0, SEEK_END) == 0 && std::ftell(file.get()) > 0 ? 1 : 0;
+  return file && fseeko(file.get(), 0, SEEK_END) == 0 && ftello(file.get()) > 0 ? 1 : 0;
 }
 
 char rm_eol(char* text) {
