@@ -129,6 +129,8 @@ expect 'effects on the page' 'uci set dhcp.lan.netmask=255.255.0.0' \
 for query in 'since=7' 'since=1x' 'since=' '' 'since=99999999999'; do
   expect "no effects for $query" '' "$(get "$page/cgi-bin/journal?$query")"
 done
+expect 'no effects for a page of another name' 1 \
+  "$(status_of get --header 'Host: 1.example:80' "$page/cgi-bin/journal?since=0")"
 expect 'the journal begun anew' 7 "$(get "$page/cgi-bin/journal?since=900" | wc -l)"
 expect 'where to go on' 7 "$(busybox wget -S -O - "$page/cgi-bin/journal" 2>&1 | sed -n 's/.*X-Journal-Next: //p')"
 expect 'effects on the terminal' 7 "$(grep -c '^  [us]' "$place/up")"
