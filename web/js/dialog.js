@@ -3,11 +3,11 @@ import { t } from './i18n.js';
 import { icon } from './icons.js';
 
 /**
- * Shows a dialog. `actions` are buttons: { label, kind, value }; the promise resolves to the value
+ * Shows a dialog. `actions` are buttons: { label, kind, value, mark }; the promise resolves to the value
  * of the one that was pressed, or to null when the dialog was closed. `onaction(value)` may hold
  * the dialog open by answering false.
  */
-export function openDialog({ title, body, actions, onaction, closable = true, id }) {
+export function openDialog({ title, body, actions, onaction, stacked, id }) {
   const heading = newId('dialog');
   return new Promise((resolve) => {
     let answer = null;
@@ -16,33 +16,31 @@ export function openDialog({ title, body, actions, onaction, closable = true, id
       answer = value;
       dialog.close();
     };
-    const buttons = (actions ?? []).map(({ label, kind, value }, i) =>
+    const buttons = (actions ?? []).map(({ label, kind, value, mark }, i) =>
       h('button', {
-        type: i === actions.length - 1 ? 'submit' : 'button',
+        type: i === actions.length - 1 && !stacked ? 'submit' : 'button',
         class: `button ${kind ?? ''}`,
         onclick: (event) => {
           event.preventDefault();
           finish(value);
         },
-      }, label));
+      }, mark && icon(mark), label));
     const dialog = h('dialog', { class: 'dialog', 'aria-labelledby': heading, id },
       h('form', { method: 'dialog', novalidate: true, onsubmit: (event) => event.preventDefault() },
         h('header', { class: 'dialog-head' },
           h('h2', { id: heading }, title),
-          closable && h('button', {
+          h('button', {
             type: 'button', class: 'icon-button', 'aria-label': t('close'), onclick: () => dialog.close(),
           }, icon('close'))),
         h('div', { class: 'dialog-body' }, body),
-        buttons.length > 0 && h('footer', { class: 'dialog-foot' }, buttons)));
-    dialog.addEventListener('cancel', (event) => {
-      if (!closable) event.preventDefault();
-    });
+        buttons.length > 0 && h('footer', { class: `dialog-foot ${stacked ? 'stacked' : ''}` }, buttons)));
     dialog.addEventListener('close', () => {
       dialog.remove();
       resolve(answer);
     });
     document.body.append(dialog);
     dialog.showModal();
+    dialog.querySelector('.dialog-body :is(input, select, textarea, a), .dialog-foot button')?.focus();
   });
 }
 
@@ -64,7 +62,7 @@ export async function askPassword(type, wasWrong) {
   const id = newId('password');
   const error = newId('error');
   const input = h('input', {
-    id, type: 'password', autocomplete: 'current-password', autofocus: true, required: true,
+    id, type: 'password', autocomplete: 'current-password', required: true,
     'aria-invalid': wasWrong ? 'true' : null, 'aria-describedby': wasWrong ? error : null,
   });
   const answer = await openDialog({

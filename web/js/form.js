@@ -185,7 +185,7 @@ export function makeFields(fields, initial, onchange = () => {}) {
     const label = boxes
       ? h('span', { class: 'label', id: `${id}-label` }, t(field.label))
       : h('label', { for: id }, t(field.label));
-    const element = h('div', { class: `field ${field.kind ?? 'text'} ${field.wide ? 'wide' : ''}` }, label,
+    const element = h('div', { class: `field kind-${field.kind ?? 'text'} ${field.wide ? 'wide' : ''}` }, label,
       field.unit ? h('div', { class: 'with-unit' }, part.element, h('span', { class: 'unit' }, t(field.unit))) : part.element,
       field.hint && h('p', { class: 'hint', id: hintId }, t(field.hint)), error);
     const show = (fault) => {

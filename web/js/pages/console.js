@@ -27,7 +27,7 @@ function memberField(member, changed) {
   const input = h(long ? 'textarea' : 'input', {
     id, name: member.name, autocomplete: 'off', spellcheck: 'false', rows: long ? '3' : null, list: values.length > 0 ? choices : null, 'aria-describedby': `${id}-about`, oninput: changed,
   });
-  const element = h('div', { class: 'field wide' },
+  const element = h('div', { class: `field ${long ? 'wide' : ''}` },
     h('label', { for: id }, h('code', {}, member.name), h('span', { class: 'quiet' }, ` ${type}${member.required ? ` · ${t('console.required')}` : ''}`)),
     input, values.length > 0 && h('datalist', { id: choices }, values.map(({ value, label }) => h('option', { value: String(value) }, label))),
     member.description && h('p', { class: 'hint', id: `${id}-about`, lang: 'en' }, member.description));
@@ -75,7 +75,7 @@ function show(body, commands) {
     }
     const { example } = command;
     fill(about, h('p', {}, command.summary), h('ul', { class: 'quiet' }, Object.entries(command.results ?? {}).map(([number, meaning]) => h('li', {}, h('code', {}, number), ` ${meaning}`))));
-    fill(form, fields.map(({ element }) => element), fields.length === 0 && h('p', { class: 'empty' }, t('console.nomembers')),
+    fill(form, fields.length > 0 ? h('div', { class: 'fields' }, fields.map(({ element }) => element)) : h('p', { class: 'empty' }, t('console.nomembers')),
       example && h('button', { type: 'button', class: 'button small', onclick: () => {
         text.value = JSON.stringify(example);
       } }, t('console.example')));
@@ -110,7 +110,7 @@ function show(body, commands) {
     h('div', { class: 'console-left' }, search, choose),
     h('div', { class: 'console-right' }, about, form,
       h('label', { for: 'console-request' }, t('console.request')), text, place, h('div', { class: 'actions' }, button),
-      h('h3', {}, t('console.reply'), ' ', timing), reply, effects)));
+      h('div', { class: 'console-out' }, h('div', {}, h('h3', {}, t('console.reply'), ' ', timing), reply), effects))));
   offer();
   choose.value = commands.some(({ name }) => name === 'getrouterstatus') ? 'getrouterstatus' : commands[0]?.name;
   take(choose.value);

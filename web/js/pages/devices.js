@@ -76,9 +76,10 @@ function cards() {
       title: nameOf(device),
       body: h('p', { class: 'intro mono' }, `${device.mac} · ${device.ip}`),
       actions: [
-        { label: t('devices.rename'), value: 'rename' }, { label: t('limit.short'), value: 'limit' },
-        { label: t('parental.short'), value: 'times' }, { label: t('block'), kind: 'danger', value: 'block' },
+        { label: t('devices.rename'), value: 'rename', mark: 'pen' }, { label: t('limit.short'), value: 'limit', mark: 'gauge' },
+        { label: t('parental.short'), value: 'times', mark: 'clock' }, { label: t('block'), kind: 'danger', value: 'block', mark: 'ban' },
       ],
+      stacked: true,
       id: 'device-dialog',
     });
     try {

@@ -56,7 +56,7 @@ const wan = () => settings({
 
 const lastNumber = check.range(2, 254);
 const lan = () => settings({
-  id: 'lan', title: 'lan.title', intro: 'lan.intro',
+  id: 'lan', title: 'lan.title', intro: 'lan.intro', wide: true,
   load: () => call('getlancfg'),
   fields: [
     { name: 'lanip', label: 'lan.address', required: true, check: check.address, inputmode: 'decimal', hint: 'lan.address.hint' },
