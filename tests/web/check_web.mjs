@@ -17,29 +17,35 @@ const kForbidden = [
   [/setAttribute\(\s*['"`](on|style)/, 'an attribute that the policy forbids'],
 ];
 const kForbiddenInPage = [
-  [/\son\w+\s*=/i, 'an inline handler'], [/<style|\sstyle\s*=/i, 'inline style'],
-  [/<script(?![^>]*\ssrc=)/i, 'an inline script'], [/unsafe-/, 'an unsafe policy'],
+  [/\son\w+\s*=/i, 'an inline handler'],
+  [/<style|\sstyle\s*=/i, 'inline style'],
+  [/<script(?![^>]*\ssrc=)/i, 'an inline script'],
+  [/unsafe-/, 'an unsafe policy'],
 ];
 
 const folder = process.argv[2];
 const files = readdirSync(folder, { recursive: true, withFileTypes: true })
-  .filter((entry) => entry.isFile() && entry.name !== 'CMakeLists.txt').map((entry) => join(entry.parentPath ?? entry.path, entry.name));
+  .filter((entry) => entry.isFile() && entry.name !== 'CMakeLists.txt')
+  .map((entry) => join(entry.parentPath ?? entry.path, entry.name));
 const text = new Map(files.map((file) => [file, readFileSync(file, 'utf8')]));
 const scripts = files.filter((file) => extname(file) === '.js');
 const faults = [];
 const fault = (file, what) => faults.push(`${relative(folder, file)}: ${what}`);
 
 for (const file of scripts) {
-  const { status, stderr } = spawnSync(process.execPath, ['--check', '--input-type=module', '-'], { input: text.get(file), encoding: 'utf8' });
+  const checking = { input: text.get(file), encoding: 'utf8' };
+  const { status, stderr } = spawnSync(process.execPath, ['--check', '--input-type=module', '-'], checking);
   if (status !== 0) fault(file, stderr);
   for (const [pattern, what] of kForbidden) if (pattern.test(text.get(file))) fault(file, what);
 }
-for (const file of files.filter((name) => extname(name) === '.html')) {
-  for (const [pattern, what] of kForbiddenInPage) if (pattern.test(text.get(file))) fault(file, what);
-}
+const page = join(folder, 'index.html');
+for (const [pattern, what] of kForbiddenInPage) if (pattern.test(text.get(page))) fault(page, what);
 
-const [en, zh] = await Promise.all(['en', 'zh'].map(async (name) =>
-  (await import(`data:text/javascript,${encodeURIComponent(text.get(join(folder, 'js/strings', `${name}.js`)))}`)).default));
+const dictionary = async (name) => {
+  const source = text.get(join(folder, 'js/strings', name));
+  return (await import(`data:text/javascript,${encodeURIComponent(source)}`)).default;
+};
+const [en, zh] = [await dictionary('en.js'), await dictionary('zh.js')];
 const placeholders = (sentence = '') => (sentence.match(/\{\w+\}/g) ?? []).sort().join();
 for (const key of new Set([...Object.keys(en), ...Object.keys(zh)])) {
   if (!en[key] || !zh[key]) faults.push(`dictionaries: ${key} is not in both`);

@@ -100,13 +100,15 @@ export async function send(request, options = {}) {
 export async function call(type, members = {}, options = {}) {
   const reply = await send({ ...members, type }, options);
   const { result } = reply;
-  const fine = result === undefined || result === 0 || (type === 'getheartbeat' && result === kAlive);
+  const fine =
+    result === undefined || result === 0 || (type === 'getheartbeat' && result === kAlive);
   if (!fine && !options.accept?.includes(result)) throw new Refused(type, result);
   return reply;
 }
 
 /** A refresh that the user did not ask for: it does not keep the session alive. */
-export const poll = (type, members, options) => call(type, members, { ...options, poll: true, seconds: 20 });
+export const poll = (type, members, options) =>
+  call(type, members, { ...options, poll: true, seconds: 20 });
 
 /** Whether there is a session. */
 export async function hasSession() {
@@ -126,7 +128,10 @@ export async function hasSession() {
 export async function journal(since) {
   try {
     const query = since === undefined ? '' : `?since=${since}`;
-    const response = await fetch(`/cgi-bin/journal${query}`, { credentials: 'same-origin', cache: 'no-store' });
+    const response = await fetch(`/cgi-bin/journal${query}`, {
+      credentials: 'same-origin',
+      cache: 'no-store',
+    });
     if (!response.ok) return null;
     const lines = (await response.text()).split('\n').filter(Boolean);
     return { lines, next: Number(response.headers.get('X-Journal-Next')) };

@@ -9,16 +9,26 @@ import { icon } from './icons.js';
 import { givenUp, missing, sentence } from './results.js';
 
 const skeleton = () =>
-  h('div', { class: 'skeleton', role: 'status' }, h('span', { class: 'sr' }, t('loading')), h('i'), h('i'), h('i'));
+  h(
+    'div',
+    { class: 'skeleton', role: 'status' },
+    h('span', { class: 'sr' }, t('loading')),
+    h('i'),
+    h('i'),
+    h('i'),
+  );
 
 /** A card whose content comes later: `show(place, values)` fills it, `load()` brings the values. */
 export function card({ id, title, intro, tools, load, show, wide }) {
   const heading = newId('card');
   const body = h('div', { class: 'card-body' });
-  const element = h('section', { class: `card ${wide ? 'wide' : ''}`, id, 'aria-labelledby': heading },
-    h('header', { class: 'card-head' },
-      h('h2', { id: heading }, t(title)), tools),
-    intro && h('p', { class: 'intro' }, t(intro)), body);
+  const element = h(
+    'section',
+    { class: `card ${wide ? 'wide' : ''}`, id, 'aria-labelledby': heading },
+    h('header', { class: 'card-head' }, h('h2', { id: heading }, t(title)), tools),
+    intro && h('p', { class: 'intro' }, t(intro)),
+    body,
+  );
 
   async function refresh() {
     if (!load) {
@@ -32,7 +42,15 @@ export function card({ id, title, intro, tools, load, show, wide }) {
     } catch (error) {
       if (givenUp(error)) fill(body, lockedOut(refresh));
       else if (missing(error)) fill(body, notice('info', t('error.missing')));
-      else fill(body, notice('error', h('p', {}, sentence(error)), h('button', { type: 'button', class: 'button small', onclick: refresh }, t('retry'))));
+      else
+        fill(
+          body,
+          notice(
+            'error',
+            h('p', {}, sentence(error)),
+            h('button', { type: 'button', class: 'button small', onclick: refresh }, t('retry')),
+          ),
+        );
     } finally {
       element.removeAttribute('aria-busy');
     }
@@ -42,7 +60,11 @@ export function card({ id, title, intro, tools, load, show, wide }) {
 }
 
 const lockedOut = (refresh) =>
-  notice('info', h('p', {}, t('password.needed')), h('button', { type: 'button', class: 'button small', onclick: refresh }, t('continue')));
+  notice(
+    'info',
+    h('p', {}, t('password.needed')),
+    h('button', { type: 'button', class: 'button small', onclick: refresh }, t('continue')),
+  );
 
 /** Runs work behind a button: busy while it lasts, its failure said in `place`. */
 export async function attempt(button, place, work) {
@@ -74,13 +96,18 @@ export function settings({ fields, save, ask, after, always, submit, ...rest }) 
       let before = loaded;
       const place = h('div', { class: 'place', 'aria-live': 'polite' });
       const button = h('button', { type: 'submit', class: 'button primary' }, t(submit ?? 'save'));
-      const discard = h('button', {
-        type: 'button', class: 'button',
-        onclick: () => {
-          form.reset(before);
-          mark();
+      const discard = h(
+        'button',
+        {
+          type: 'button',
+          class: 'button',
+          onclick: () => {
+            form.reset(before);
+            mark();
+          },
         },
-      }, t('discard'));
+        t('discard'),
+      );
       const table = typeof fields === 'function' ? fields(loaded) : fields;
       const form = makeFields(table, loaded, () => mark());
       const actions = h('div', { class: 'actions' }, button, discard);
@@ -90,24 +117,38 @@ export function settings({ fields, save, ask, after, always, submit, ...rest }) 
         button.disabled = same && !always;
       }
       mark();
-      fill(body, h('form', {
-        novalidate: true,
-        onsubmit: async (event) => {
-          event.preventDefault();
-          if (!form.validate()) return;
-          const values = form.values();
-          const question = ask?.(values, before);
-          if (question && !(await confirm({ title: t(rest.title), text: t(question), action: t('continue') }))) return;
-          const done = await attempt(button, place, () => save(values, before));
-          mark();
-          if (!done) return;
-          if (!after) toast(t('saved'));
-          before = values;
-          mark();
-          await after?.(values, loaded);
-          if (rest.load && !always) self.refresh();
-        },
-      }, form.element, place, actions));
+      fill(
+        body,
+        h(
+          'form',
+          {
+            novalidate: true,
+            onsubmit: async (event) => {
+              event.preventDefault();
+              if (!form.validate()) return;
+              const values = form.values();
+              const question = ask?.(values, before);
+              if (
+                question &&
+                !(await confirm({ title: t(rest.title), text: t(question), action: t('continue') }))
+              )
+                return;
+              const done = await attempt(button, place, () => save(values, before));
+              mark();
+              if (!done) return;
+              if (!after) toast(t('saved'));
+              if (always) form.reset(loaded);
+              else before = values;
+              mark();
+              await after?.(values, loaded);
+              if (rest.load && !always) self.refresh();
+            },
+          },
+          form.element,
+          place,
+          actions,
+        ),
+      );
     },
   });
   return self;
@@ -147,16 +188,65 @@ export async function formDialog({ title, fields, values, save, submit, intro })
 
 /** A table that becomes a stack of cards on a phone. `columns`: { label, cell, kind }. */
 export function table(caption, columns, rows) {
-  return h('div', { class: 'table-frame' }, h('table', {},
-    h('caption', { class: 'sr' }, caption),
-    h('thead', {}, h('tr', {}, columns.map(({ label, kind }) => h('th', { scope: 'col', class: kind }, label ? t(label) : h('span', { class: 'sr' }, t('actions')))))),
-    h('tbody', {}, rows.map((row) => h('tr', {}, columns.map(({ label, cell, kind }, i) =>
-      h(i === 0 ? 'th' : 'td', { scope: i === 0 ? 'row' : null, class: kind, 'data-label': label ? t(label) : null }, cell(row))))))));
+  return h(
+    'div',
+    { class: 'table-frame' },
+    h(
+      'table',
+      {},
+      h('caption', { class: 'sr' }, caption),
+      h(
+        'thead',
+        {},
+        h(
+          'tr',
+          {},
+          columns.map(({ label, kind }) =>
+            h(
+              'th',
+              { scope: 'col', class: kind },
+              label ? t(label) : h('span', { class: 'sr' }, t('actions')),
+            ),
+          ),
+        ),
+      ),
+      h(
+        'tbody',
+        {},
+        rows.map((row) =>
+          h(
+            'tr',
+            {},
+            columns.map(({ label, cell, kind }, i) =>
+              h(
+                i === 0 ? 'th' : 'td',
+                {
+                  scope: i === 0 ? 'row' : null,
+                  class: kind,
+                  'data-label': label ? t(label) : null,
+                },
+                cell(row),
+              ),
+            ),
+          ),
+        ),
+      ),
+    ),
+  );
 }
 
 /** A small button in a row. */
 export const rowButton = (label, onclick, kind = '', about = '') =>
-  h('button', { type: 'button', class: `button small ${kind}`, onclick, 'aria-label': about ? `${label}: ${about}` : null }, label);
+  h(
+    'button',
+    {
+      type: 'button',
+      class: `button small ${kind}`,
+      onclick,
+      'aria-label': about ? `${label}: ${about}` : null,
+    },
+    label,
+  );
 
 /**
  * A list with a way to add to it. `load()` gives { rows, ... }; `toggle` is a switch above the
@@ -168,14 +258,30 @@ export function list({ columns, empty, add, toggle, limit, ...rest }) {
     show(body, loaded) {
       const { rows } = loaded;
       const place = h('div', { class: 'place', 'aria-live': 'polite' });
-      fill(body,
+      fill(
+        body,
         toggle && switchRow(toggle.label, toggle.read(loaded), (on) => toggle.save(on), place),
         place,
-        rows.length > 0 ? table(t(rest.title), columns(self.refresh, loaded), rows) : h('p', { class: 'empty' }, t(empty)),
-        add && h('div', { class: 'actions' }, h('button', {
-          type: 'button', class: 'button', disabled: limit && rows.length >= limit,
-          onclick: async () => (await add.open(loaded)) && self.refresh(),
-        }, icon('plus'), t(add.label))));
+        rows.length > 0
+          ? table(t(rest.title), columns(self.refresh, loaded), rows)
+          : h('p', { class: 'empty' }, t(empty)),
+        add &&
+          h(
+            'div',
+            { class: 'actions' },
+            h(
+              'button',
+              {
+                type: 'button',
+                class: 'button',
+                disabled: limit && rows.length >= limit,
+                onclick: async () => (await add.open(loaded)) && self.refresh(),
+              },
+              icon('plus'),
+              t(add.label),
+            ),
+          ),
+      );
     },
   });
   return self;
@@ -185,7 +291,10 @@ export function list({ columns, empty, add, toggle, limit, ...rest }) {
 export function switchRow(label, on, save, place) {
   const id = newId('switch');
   const input = h('input', {
-    id, type: 'checkbox', role: 'switch', checked: on,
+    id,
+    type: 'checkbox',
+    role: 'switch',
+    checked: on,
     onchange: async () => {
       input.disabled = true;
       say(place, 'error', null);
@@ -200,17 +309,34 @@ export function switchRow(label, on, save, place) {
       }
     },
   });
-  return h('div', { class: 'switch-row' }, h('label', { for: id }, t(label)),
-    h('span', { class: 'switch' }, input, h('span', { 'aria-hidden': 'true' })));
+  return h(
+    'div',
+    { class: 'switch-row' },
+    h('label', { for: id }, t(label)),
+    h('span', { class: 'switch' }, input, h('span', { 'aria-hidden': 'true' })),
+  );
 }
 
 /** Names and values. Pairs without a value are shown with a dash. */
 export const facts = (pairs) =>
-  h('dl', { class: 'facts' }, pairs.filter(Boolean).map(([label, value]) =>
-    h('div', {}, h('dt', {}, t(label)), h('dd', {}, value === '' || value === undefined || value === null ? '–' : value))));
+  h(
+    'dl',
+    { class: 'facts' },
+    pairs
+      .filter(Boolean)
+      .map(([label, value]) =>
+        h(
+          'div',
+          {},
+          h('dt', {}, t(label)),
+          h('dd', {}, value === '' || value === undefined || value === null ? '–' : value),
+        ),
+      ),
+  );
 
 /** A dot with a word: kind is good, bad, idle or busy. */
-export const light = (kind, text) => h('span', { class: `light ${kind}` }, h('i', { 'aria-hidden': 'true' }), text);
+export const light = (kind, text) =>
+  h('span', { class: `light ${kind}` }, h('i', { 'aria-hidden': 'true' }), text);
 
 const kHigh = 90;
 
@@ -218,7 +344,22 @@ const kHigh = 90;
 export function meter(label, share, text) {
   const filled = h('div', {});
   filled.style.width = `${share}%`;
-  return h('div', { class: 'meter' }, h('span', {}, t(label)),
-    h('div', { class: `meter-bar ${share > kHigh ? 'high' : ''}`, role: 'meter', 'aria-label': t(label), 'aria-valuemin': 0, 'aria-valuemax': 100, 'aria-valuenow': share }, filled),
-    h('span', { class: 'meter-text' }, text));
+  return h(
+    'div',
+    { class: 'meter' },
+    h('span', {}, t(label)),
+    h(
+      'div',
+      {
+        class: `meter-bar ${share > kHigh ? 'high' : ''}`,
+        role: 'meter',
+        'aria-label': t(label),
+        'aria-valuemin': 0,
+        'aria-valuemax': 100,
+        'aria-valuenow': share,
+      },
+      filled,
+    ),
+    h('span', { class: 'meter-text' }, text),
+  );
 }

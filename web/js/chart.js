@@ -7,7 +7,10 @@ const kPoints = 60;
 
 const path = (series, top) =>
   series
-    .map((value, i) => `${i === 0 ? 'M' : 'L'}${(kWidth - (series.length - 1 - i) * (kWidth / (kPoints - 1))).toFixed(1)} ${(kHeight - (value / top) * (kHeight - 8)).toFixed(1)}`)
+    .map(
+      (value, i) =>
+        `${i === 0 ? 'M' : 'L'}${(kWidth - (series.length - 1 - i) * (kWidth / (kPoints - 1))).toFixed(1)} ${(kHeight - (value / top) * (kHeight - 8)).toFixed(1)}`,
+    )
     .join('');
 
 /** A round number not below the largest value, so that the scale moves seldom. */
@@ -23,14 +26,32 @@ function ceiling(value) {
  */
 export function speedChart(history) {
   const lines = [
-    svg('path', { class: 'area' }), svg('path', { class: 'line down' }), svg('path', { class: 'line up' }),
+    svg('path', { class: 'area' }),
+    svg('path', { class: 'line down' }),
+    svg('path', { class: 'line up' }),
   ];
-  const grid = [0.25, 0.5, 0.75].map((part) => svg('path', { class: 'grid', d: `M0 ${kHeight * part}H${kWidth}` }));
+  const grid = [0.25, 0.5, 0.75].map((part) =>
+    svg('path', { class: 'grid', d: `M0 ${kHeight * part}H${kWidth}` }),
+  );
   const scale = h('span', { class: 'scale' });
   const now = h('p', { class: 'sr', role: 'status', 'aria-live': 'off' });
-  const element = h('figure', { class: 'chart' },
-    svg('svg', { viewBox: `0 0 ${kWidth} ${kHeight}`, preserveAspectRatio: 'none', role: 'img', 'aria-label': t('overview.graph') }, grid, lines),
-    scale, now);
+  const element = h(
+    'figure',
+    { class: 'chart' },
+    svg(
+      'svg',
+      {
+        viewBox: `0 0 ${kWidth} ${kHeight}`,
+        preserveAspectRatio: 'none',
+        role: 'img',
+        'aria-label': t('overview.graph'),
+      },
+      grid,
+      lines,
+    ),
+    scale,
+    now,
+  );
 
   function draw() {
     const down = history.map((point) => point.down);
@@ -44,7 +65,10 @@ export function speedChart(history) {
     lines[1].setAttribute('d', line);
     lines[2].setAttribute('d', path(up, top));
     const last = history.at(-1);
-    now.textContent = t('overview.speeds', { down: speed(String(last.down)), up: speed(String(last.up)) });
+    now.textContent = t('overview.speeds', {
+      down: speed(String(last.down)),
+      up: speed(String(last.up)),
+    });
   }
   draw();
   return {

@@ -47,7 +47,10 @@ export const port = range(1, 65535);
 /** A port, or two joined by "-". */
 export const ports = (text) => {
   const [low, high, more] = text.split('-');
-  const bad = more !== undefined || port(low) || (high !== undefined && (port(high) || Number(high) < Number(low)));
+  const bad =
+    more !== undefined ||
+    port(low) ||
+    (high !== undefined && (port(high) || Number(high) < Number(low)));
   return bad ? fault('check.ports') : null;
 };
 
@@ -61,7 +64,8 @@ export const ssid = (text) => {
 };
 
 /** A passphrase of WPA: 8 to 63 printable ASCII characters. */
-export const passphrase = (text) => (/^[\x20-\x7e]{8,63}$/.test(text) ? null : fault('check.passphrase'));
+export const passphrase = (text) =>
+  /^[\x20-\x7e]{8,63}$/.test(text) ? null : fault('check.passphrase');
 
 /** A text that lists keep as one word. */
 export const word = (limit) => (text) =>

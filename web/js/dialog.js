@@ -17,30 +17,55 @@ export function openDialog({ title, body, actions, onaction, stacked, id }) {
       dialog.close();
     };
     const buttons = (actions ?? []).map(({ label, kind, value, mark }, i) =>
-      h('button', {
-        type: i === actions.length - 1 && !stacked ? 'submit' : 'button',
-        class: `button ${kind ?? ''}`,
-        onclick: (event) => {
-          event.preventDefault();
-          finish(value);
+      h(
+        'button',
+        {
+          type: i === actions.length - 1 && !stacked ? 'submit' : 'button',
+          class: `button ${kind ?? ''}`,
+          onclick: (event) => {
+            event.preventDefault();
+            finish(value);
+          },
         },
-      }, mark && icon(mark), label));
-    const dialog = h('dialog', { class: 'dialog', 'aria-labelledby': heading, id },
-      h('form', { method: 'dialog', novalidate: true, onsubmit: (event) => event.preventDefault() },
-        h('header', { class: 'dialog-head' },
+        mark && icon(mark),
+        label,
+      ),
+    );
+    const dialog = h(
+      'dialog',
+      { class: 'dialog', 'aria-labelledby': heading, id },
+      h(
+        'form',
+        { method: 'dialog', novalidate: true, onsubmit: (event) => event.preventDefault() },
+        h(
+          'header',
+          { class: 'dialog-head' },
           h('h2', { id: heading }, title),
-          h('button', {
-            type: 'button', class: 'icon-button', 'aria-label': t('close'), onclick: () => dialog.close(),
-          }, icon('close'))),
+          h(
+            'button',
+            {
+              type: 'button',
+              class: 'icon-button',
+              'aria-label': t('close'),
+              onclick: () => dialog.close(),
+            },
+            icon('close'),
+          ),
+        ),
         h('div', { class: 'dialog-body' }, body),
-        buttons.length > 0 && h('footer', { class: `dialog-foot ${stacked ? 'stacked' : ''}` }, buttons)));
+        buttons.length > 0 &&
+          h('footer', { class: `dialog-foot ${stacked ? 'stacked' : ''}` }, buttons),
+      ),
+    );
     dialog.addEventListener('close', () => {
       dialog.remove();
       resolve(answer);
     });
     document.body.append(dialog);
     dialog.showModal();
-    dialog.querySelector('.dialog-body :is(input, select, textarea, a), .dialog-foot button')?.focus();
+    dialog
+      .querySelector('.dialog-body :is(input, select, textarea, a), .dialog-foot button')
+      ?.focus();
   });
 }
 
@@ -62,17 +87,25 @@ export async function askPassword(type, wasWrong) {
   const id = newId('password');
   const error = newId('error');
   const input = h('input', {
-    id, type: 'password', autocomplete: 'current-password', required: true,
-    'aria-invalid': wasWrong ? 'true' : null, 'aria-describedby': wasWrong ? error : null,
+    id,
+    type: 'password',
+    autocomplete: 'current-password',
+    required: true,
+    'aria-invalid': wasWrong ? 'true' : null,
+    'aria-describedby': wasWrong ? error : null,
   });
   const answer = await openDialog({
     title: t('password.title'),
     id: 'password-dialog',
     body: [
       h('p', {}, t('password.why')),
-      h('div', { class: 'field' },
-        h('label', { for: id }, t('password.label')), input,
-        wasWrong && h('p', { class: 'field-error', id: error, role: 'alert' }, t('password.wrong'))),
+      h(
+        'div',
+        { class: 'field' },
+        h('label', { for: id }, t('password.label')),
+        input,
+        wasWrong && h('p', { class: 'field-error', id: error, role: 'alert' }, t('password.wrong')),
+      ),
     ],
     actions: [
       { label: t('cancel'), value: null },
@@ -93,8 +126,12 @@ export function toast(text, kind = 'good') {
 
 /** A notice inside a page: kind is "error", "warning" or "info". */
 export const notice = (kind, ...content) =>
-  h('div', { class: `notice ${kind}`, role: kind === 'error' ? 'alert' : null },
-    icon(kind === 'info' ? 'info' : 'alert'), h('div', {}, content));
+  h(
+    'div',
+    { class: `notice ${kind}`, role: kind === 'error' ? 'alert' : null },
+    icon(kind === 'info' ? 'info' : 'alert'),
+    h('div', {}, content),
+  );
 
 /** Puts a notice into a place, or empties it. */
 export const say = (place, kind, text) => fill(place, text ? notice(kind, text) : null);

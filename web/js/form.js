@@ -19,7 +19,8 @@ import { hasText, t } from './i18n.js';
 import { icon } from './icons.js';
 
 const labelOf = (field, label) => (field.verbatim || !hasText(label) ? label : t(label));
-const holds = (condition, values) => (typeof condition === 'function' ? condition(values) : Boolean(condition));
+const holds = (condition, values) =>
+  typeof condition === 'function' ? condition(values) : Boolean(condition);
 
 function selectControl(field, common, values, changed) {
   const control = h('select', { ...common, onchange: () => changed(control.value) });
@@ -29,7 +30,10 @@ function selectControl(field, common, values, changed) {
     // A value that the table does not know stays selectable, so that saving does not change it.
     const known = pairs.some(([option]) => String(option) === value);
     const all = known ? pairs : [[value, value === '' ? 'choose' : value], ...pairs];
-    fill(control, all.map(([option, label]) => h('option', { value: option }, labelOf(field, label))));
+    fill(
+      control,
+      all.map(([option, label]) => h('option', { value: option }, labelOf(field, label))),
+    );
     control.value = value;
   };
   refresh(values);
@@ -40,48 +44,82 @@ function switchControl(field, common, values, changed) {
   const on = field.on ?? '1';
   const off = field.off ?? '0';
   const control = h('input', {
-    ...common, type: 'checkbox', role: 'switch', onchange: () => changed(control.checked ? on : off),
+    ...common,
+    type: 'checkbox',
+    role: 'switch',
+    onchange: () => changed(control.checked ? on : off),
   });
   const refresh = (now) => {
     control.checked = String(now[field.name]) === String(on);
   };
   refresh(values);
-  return { element: h('span', { class: 'switch' }, control, h('span', { 'aria-hidden': 'true' })), control, refresh };
+  return {
+    element: h('span', { class: 'switch' }, control, h('span', { 'aria-hidden': 'true' })),
+    control,
+    refresh,
+  };
 }
 
 /** Boxes of which each stands for a value; together a text of days, or an array. */
 function boxesControl(field, common, values, changed) {
   const asText = field.kind === 'days';
   const options = asText ? [...'1234567'].map((day) => [day, `day.${day}`]) : null;
-  const element = h('div', { class: asText ? 'days' : 'checks', role: 'group', 'aria-labelledby': `${common.id}-label` });
+  const element = h('div', {
+    class: asText ? 'days' : 'checks',
+    role: 'group',
+    'aria-labelledby': `${common.id}-label`,
+  });
   let boxes = [];
   const refresh = (now) => {
     const chosen = [...(now[field.name] ?? [])];
-    const pairs = options ?? (typeof field.options === 'function' ? field.options(now) : field.options);
-    boxes = pairs.map(([value]) => h('input', {
-      type: 'checkbox', value, checked: chosen.includes(value),
-      onchange: () => {
-        const picked = boxes.filter((box) => box.checked).map((box) => box.value);
-        changed(asText ? picked.join('') : picked);
-      },
-    }));
-    fill(element, pairs.map(([, label], i) => h('label', {}, boxes[i], h('span', {}, labelOf(field, label)))),
-      pairs.length === 0 && h('p', { class: 'hint' }, t(field.empty)));
+    const pairs =
+      options ?? (typeof field.options === 'function' ? field.options(now) : field.options);
+    boxes = pairs.map(([value]) =>
+      h('input', {
+        type: 'checkbox',
+        value,
+        checked: chosen.includes(value),
+        onchange: () => {
+          const picked = boxes.filter((box) => box.checked).map((box) => box.value);
+          changed(asText ? picked.join('') : picked);
+        },
+      }),
+    );
+    fill(
+      element,
+      pairs.map(([, label], i) => h('label', {}, boxes[i], h('span', {}, labelOf(field, label)))),
+      pairs.length === 0 && h('p', { class: 'hint' }, t(field.empty)),
+    );
   };
   refresh(values);
-  return { element, get control() { return boxes[0] ?? element; }, refresh };
+  return {
+    element,
+    get control() {
+      return boxes[0] ?? element;
+    },
+    refresh,
+  };
 }
 
 /** Two times of day, joined by "-". */
 function periodControl(field, common, values, changed) {
   const report = () => changed(`${from.value}-${to.value}`);
-  const from = h('input', { ...common, type: 'time', oninput: report, 'aria-label': t('period.from') });
+  const from = h('input', {
+    ...common,
+    type: 'time',
+    oninput: report,
+    'aria-label': t('period.from'),
+  });
   const to = h('input', { type: 'time', oninput: report, 'aria-label': t('period.to') });
   const refresh = (now) => {
     [from.value, to.value] = [...String(now[field.name] ?? '').split('-'), '', ''];
   };
   refresh(values);
-  return { element: h('div', { class: 'period' }, from, h('span', {}, '–'), to), control: from, refresh };
+  return {
+    element: h('div', { class: 'period' }, from, h('span', {}, '–'), to),
+    control: from,
+    refresh,
+  };
 }
 
 function textControl(field, common, values, changed) {
@@ -103,30 +141,62 @@ function textControl(field, common, values, changed) {
   };
   refresh(values);
   if (!secret) return { element: control, control, refresh };
-  const reveal = h('button', {
-    type: 'button', class: 'icon-button', 'aria-pressed': 'false', 'aria-label': t('password.show'),
-    onclick: () => {
-      const shown = control.type === 'text';
-      control.type = shown ? 'password' : 'text';
-      reveal.setAttribute('aria-pressed', String(!shown));
+  const reveal = h(
+    'button',
+    {
+      type: 'button',
+      class: 'icon-button',
+      'aria-pressed': 'false',
+      'aria-label': t('password.show'),
+      onclick: () => {
+        const shown = control.type === 'text';
+        control.type = shown ? 'password' : 'text';
+        reveal.setAttribute('aria-pressed', String(!shown));
+      },
     },
-  }, icon('eye'));
+    icon('eye'),
+  );
   return { element: h('div', { class: 'with-button' }, control, reveal), control, refresh };
 }
 
 /** One of several, each with a line that explains it. */
 function choiceControl(field, common, values, changed) {
-  const element = h('div', { class: 'choices', role: 'radiogroup', 'aria-labelledby': `${common.id}-label` });
+  const element = h('div', {
+    class: 'choices',
+    role: 'radiogroup',
+    'aria-labelledby': `${common.id}-label`,
+  });
   let buttons = [];
   const refresh = (now) => {
     for (const button of buttons) button.checked = button.value === String(now[field.name]);
   };
   buttons = field.options.map(([value]) =>
-    h('input', { type: 'radio', name: common.id, value, onchange: () => changed(value) }));
-  fill(element, field.options.map(([value, label], i) => h('label', { 'data-value': value }, buttons[i],
-    h('span', { class: 'choice' }, h('strong', {}, t(label)), hasText(`${label}.about`) && h('small', {}, t(`${label}.about`))))));
+    h('input', { type: 'radio', name: common.id, value, onchange: () => changed(value) }),
+  );
+  fill(
+    element,
+    field.options.map(([value, label], i) =>
+      h(
+        'label',
+        { 'data-value': value },
+        buttons[i],
+        h(
+          'span',
+          { class: 'choice' },
+          h('strong', {}, t(label)),
+          hasText(`${label}.about`) && h('small', {}, t(`${label}.about`)),
+        ),
+      ),
+    ),
+  );
   refresh(values);
-  return { element, get control() { return buttons.find((button) => button.checked) ?? buttons[0]; }, refresh };
+  return {
+    element,
+    get control() {
+      return buttons.find((button) => button.checked) ?? buttons[0];
+    },
+    refresh,
+  };
 }
 
 const customControl = (field, common, values, changed) => field.make(common, values, changed);
@@ -145,7 +215,8 @@ function faultOf(field, values) {
   const value = values[field.name];
   const empty = value === undefined || value === '' || value === '-' || value?.length === 0;
   if (empty) return holds(field.required, values) ? { key: 'check.required' } : null;
-  if (field.kind === 'period' && !/^\d\d:\d\d-\d\d:\d\d$/.test(value)) return { key: 'check.period' };
+  if (field.kind === 'period' && !/^\d\d:\d\d-\d\d:\d\d$/.test(value))
+    return { key: 'check.period' };
   for (const check of [field.check ?? []].flat()) {
     const fault = check(String(value), values);
     if (fault) return fault;
@@ -168,12 +239,21 @@ export function makeFields(fields, initial, onchange = () => {}) {
       return { field, element, refresh() {}, show() {} };
     }
     if (field.kind === 'heading') {
-      return { field, element: h('h3', { class: 'wide' }, t(field.label)), refresh() {}, show() {} };
+      return {
+        field,
+        element: h('h3', { class: 'wide' }, t(field.label)),
+        refresh() {},
+        show() {},
+      };
     }
     if (field.kind === 'shown') return { field, element: field.make(), refresh() {}, show() {} };
     const hintId = field.hint && `${id}-hint`;
     const errorId = `${id}-error`;
-    const common = { id, name: field.name, 'aria-describedby': [hintId, errorId].filter(Boolean).join(' ') };
+    const common = {
+      id,
+      name: field.name,
+      'aria-describedby': [hintId, errorId].filter(Boolean).join(' '),
+    };
     const part = (kControls[field.kind] ?? textControl)(field, common, values, (value) => {
       values = { ...values, [field.name]: value };
       if (field.changed) values = { ...values, ...field.changed(values) };
@@ -185,15 +265,35 @@ export function makeFields(fields, initial, onchange = () => {}) {
     const label = boxes
       ? h('span', { class: 'label', id: `${id}-label` }, t(field.label))
       : h('label', { for: id }, t(field.label));
-    const element = h('div', { class: `field kind-${field.kind ?? 'text'} ${field.wide ? 'wide' : ''}` }, label,
-      field.unit ? h('div', { class: 'with-unit' }, part.element, h('span', { class: 'unit' }, t(field.unit))) : part.element,
-      field.hint && h('p', { class: 'hint', id: hintId }, t(field.hint)), error);
+    const element = h(
+      'div',
+      { class: `field kind-${field.kind ?? 'text'} ${field.wide ? 'wide' : ''}` },
+      label,
+      field.unit
+        ? h(
+            'div',
+            { class: 'with-unit' },
+            part.element,
+            h('span', { class: 'unit' }, t(field.unit)),
+          )
+        : part.element,
+      field.hint && h('p', { class: 'hint', id: hintId }, t(field.hint)),
+      error,
+    );
     const show = (fault) => {
       error.textContent = fault ? t(fault.key, fault.values) : '';
       if (fault) part.control.setAttribute('aria-invalid', 'true');
       else part.control.removeAttribute('aria-invalid');
     };
-    return { field, element, show, refresh: part.refresh, get control() { return part.control; } };
+    return {
+      field,
+      element,
+      show,
+      refresh: part.refresh,
+      get control() {
+        return part.control;
+      },
+    };
   });
 
   const present = (row) => !row.field.when || row.field.when(values);
@@ -207,7 +307,11 @@ export function makeFields(fields, initial, onchange = () => {}) {
   update();
 
   return {
-    element: h('div', { class: 'fields' }, rows.map((row) => row.element)),
+    element: h(
+      'div',
+      { class: 'fields' },
+      rows.map((row) => row.element),
+    ),
     values: () => values,
     reset(fresh) {
       strict = false;

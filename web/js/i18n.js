@@ -31,7 +31,9 @@ export function t(key, values) {
 }
 
 const digits = (value, count) =>
-  new Intl.NumberFormat(current === 'zh' ? 'zh-CN' : 'en', { maximumFractionDigits: count }).format(value);
+  new Intl.NumberFormat(current === 'zh' ? 'zh-CN' : 'en', { maximumFractionDigits: count }).format(
+    value,
+  );
 
 /** A number of bytes in a readable unit. */
 export function bytes(value, suffix = '') {

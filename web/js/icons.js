@@ -2,7 +2,8 @@ import { svg } from './dom.js';
 
 const kPaths = {
   home: 'M3 11.5 12 4l9 7.5M5.5 9.8V20h13V9.8M10 20v-5.5h4V20',
-  globe: 'M12 3a9 9 0 1 0 0 18 9 9 0 0 0 0-18ZM3 12h18M12 3c2.6 2.6 3.9 5.6 3.9 9S14.6 18.4 12 21c-2.6-2.6-3.9-5.6-3.9-9S9.4 5.6 12 3Z',
+  globe:
+    'M12 3a9 9 0 1 0 0 18 9 9 0 0 0 0-18ZM3 12h18M12 3c2.6 2.6 3.9 5.6 3.9 9S14.6 18.4 12 21c-2.6-2.6-3.9-5.6-3.9-9S9.4 5.6 12 3Z',
   wifi: 'M2.5 9a14 14 0 0 1 19 0M5.7 12.5a9.3 9.3 0 0 1 12.6 0M8.9 16a4.6 4.6 0 0 1 6.2 0M12 19.5h.01',
   devices: 'M4 5h12v9H4zM2 18h11M17 9h4.5v10H17z',
   mobile: 'M5 20v-4M10 20v-8M15 20V8M20 20V4',
@@ -33,5 +34,8 @@ const kPaths = {
 
 /** A line drawing that screen readers pass over. */
 export const icon = (name) =>
-  svg('svg', { class: 'icon', viewBox: '0 0 24 24', 'aria-hidden': 'true', focusable: 'false' },
-    svg('path', { d: kPaths[name] ?? '' }));
+  svg(
+    'svg',
+    { class: 'icon', viewBox: '0 0 24 24', 'aria-hidden': 'true', focusable: 'false' },
+    svg('path', { d: kPaths[name] ?? '' }),
+  );

@@ -29,28 +29,43 @@ function useTheme(name) {
 }
 
 function themeButton() {
-  const button = h('button', {
-    type: 'button', class: 'icon-button', id: 'theme', 'aria-label': t('theme'), 'aria-pressed': String(dark()),
-    onclick: () => {
-      const name = dark() ? 'light' : 'dark';
-      localStorage.setItem(kTheme, name);
-      useTheme(name);
-      button.setAttribute('aria-pressed', String(dark()));
-      fill(button, icon(dark() ? 'sun' : 'moon'));
+  const button = h(
+    'button',
+    {
+      type: 'button',
+      class: 'icon-button',
+      id: 'theme',
+      'aria-label': t('theme'),
+      'aria-pressed': String(dark()),
+      onclick: () => {
+        const name = dark() ? 'light' : 'dark';
+        localStorage.setItem(kTheme, name);
+        useTheme(name);
+        button.setAttribute('aria-pressed', String(dark()));
+        fill(button, icon(dark() ? 'sun' : 'moon'));
+      },
     },
-  }, icon(dark() ? 'sun' : 'moon'));
+    icon(dark() ? 'sun' : 'moon'),
+  );
   return button;
 }
 
 const languageButton = () =>
-  h('button', {
-    type: 'button', class: 'button plain', id: 'language', lang: language() === 'en' ? 'zh-Hans' : 'en',
-    onclick: () => {
-      useLanguage(language() === 'en' ? 'zh' : 'en', true);
-      render();
-      document.getElementById('language')?.focus();
+  h(
+    'button',
+    {
+      type: 'button',
+      class: 'button plain',
+      id: 'language',
+      lang: language() === 'en' ? 'zh-Hans' : 'en',
+      onclick: () => {
+        useLanguage(language() === 'en' ? 'zh' : 'en', true);
+        render();
+        document.getElementById('language')?.focus();
+      },
     },
-  }, language() === 'en' ? '中文' : 'English');
+    language() === 'en' ? '中文' : 'English',
+  );
 
 /* ---- Frame ---------------------------------------------------------------------------------- */
 
@@ -67,42 +82,116 @@ async function logOut() {
 }
 
 function navigation(current) {
-  const link = (page) => h('a', {
-    href: `#/${page.id}`, 'aria-current': page.id === current ? 'page' : null, id: `nav-${page.id}`,
-  }, icon(page.icon), h('span', {}, t(`page.${page.id}`)));
+  const link = (page) =>
+    h(
+      'a',
+      {
+        href: `#/${page.id}`,
+        'aria-current': page.id === current ? 'page' : null,
+        id: `nav-${page.id}`,
+      },
+      icon(page.icon),
+      h('span', {}, t(`page.${page.id}`)),
+    );
   const rest = kPages.slice(kOnBar);
-  const more = h('button', {
-    type: 'button', class: `nav-more ${rest.some((page) => page.id === current) ? 'current' : ''}`, id: 'nav-more',
-    'aria-haspopup': 'dialog',
-    onclick: () => {
-      const list = h('ul', { class: 'more-list' }, rest.map((page) => h('li', {}, h('a', {
-        href: `#/${page.id}`, onclick: (event) => event.target.closest('dialog').close(),
-      }, icon(page.icon), t(`page.${page.id}`)))));
-      openDialog({ title: t('more'), body: list });
+  const more = h(
+    'button',
+    {
+      type: 'button',
+      class: `nav-more ${rest.some((page) => page.id === current) ? 'current' : ''}`,
+      id: 'nav-more',
+      'aria-haspopup': 'dialog',
+      onclick: () => {
+        const list = h(
+          'ul',
+          { class: 'more-list' },
+          rest.map((page) =>
+            h(
+              'li',
+              {},
+              h(
+                'a',
+                {
+                  href: `#/${page.id}`,
+                  onclick: (event) => event.target.closest('dialog').close(),
+                },
+                icon(page.icon),
+                t(`page.${page.id}`),
+              ),
+            ),
+          ),
+        );
+        openDialog({ title: t('more'), body: list });
+      },
     },
-  }, icon('more'), h('span', {}, t('more')));
-  return h('nav', { class: 'nav', 'aria-label': t('navigation') },
-    h('ul', {}, kPages.map((page, i) => h('li', { class: i >= kOnBar ? 'further' : null }, link(page))),
-      h('li', { class: 'opener' }, more)));
+    icon('more'),
+    h('span', {}, t('more')),
+  );
+  return h(
+    'nav',
+    { class: 'nav', 'aria-label': t('navigation') },
+    h(
+      'ul',
+      {},
+      kPages.map((page, i) => h('li', { class: i >= kOnBar ? 'further' : null }, link(page))),
+      h('li', { class: 'opener' }, more),
+    ),
+  );
 }
 
 function showPage(content, current) {
-  const bar = h('header', { class: 'bar' },
+  const bar = h(
+    'header',
+    { class: 'bar' },
     h('a', { href: '#/overview', class: 'brand' }, icon('router'), h('span', {}, t('brand'))),
-    h('div', { class: 'bar-tools' }, languageButton(), themeButton(),
-      h('button', { type: 'button', class: 'icon-button', id: 'logout', 'aria-label': t('logout'), onclick: logOut }, icon('leave'))));
-  fill(root,
-    h('a', { href: '#main', class: 'skip', onclick: (event) => {
-      event.preventDefault();
-      document.getElementById('main').focus();
-    } }, t('skip')),
-    bar, navigation(current), h('main', { id: 'main', tabindex: '-1' }, content));
+    h(
+      'div',
+      { class: 'bar-tools' },
+      languageButton(),
+      themeButton(),
+      h(
+        'button',
+        {
+          type: 'button',
+          class: 'icon-button',
+          id: 'logout',
+          'aria-label': t('logout'),
+          onclick: logOut,
+        },
+        icon('leave'),
+      ),
+    ),
+  );
+  fill(
+    root,
+    h(
+      'a',
+      {
+        href: '#main',
+        class: 'skip',
+        onclick: (event) => {
+          event.preventDefault();
+          document.getElementById('main').focus();
+        },
+      },
+      t('skip'),
+    ),
+    bar,
+    navigation(current),
+    h('main', { id: 'main', tabindex: '-1' }, content),
+  );
 }
 
 const showPlain = (content) =>
-  fill(root, h('div', { class: 'plain-frame' },
-    h('header', { class: 'plain-tools' }, languageButton(), themeButton()),
-    h('main', { id: 'main', tabindex: '-1' }, content)));
+  fill(
+    root,
+    h(
+      'div',
+      { class: 'plain-frame' },
+      h('header', { class: 'plain-tools' }, languageButton(), themeButton()),
+      h('main', { id: 'main', tabindex: '-1' }, content),
+    ),
+  );
 
 /* ---- Pages ---------------------------------------------------------------------------------- */
 
@@ -123,14 +212,43 @@ function render({ focus } = {}) {
   const page = kPages.find(({ id }) => id === name) ?? kPages[0];
   const tabs = page.tabs?.filter((candidate) => offered(candidate.needs));
   const chosen = tabs?.find(({ id }) => id === tab) ?? tabs?.[0];
-  const context = { signal: leaving.signal, offered, leave: logOut, functionsChanged: loadFunctions };
+  const context = {
+    signal: leaving.signal,
+    offered,
+    leave: logOut,
+    functionsChanged: loadFunctions,
+  };
   const heading = h('h1', { tabindex: '-1' }, t(`page.${page.id}`));
   document.title = `${t(`page.${page.id}`)} – ${t('brand')}`;
-  const tabBar = tabs && tabs.length > 1 && h('nav', { class: 'tabs', 'aria-label': t(`page.${page.id}`) },
-    h('ul', {}, tabs.map(({ id }) => h('li', {}, h('a', {
-      href: `#/${page.id}/${id}`, 'aria-current': id === chosen.id ? 'page' : null,
-    }, t(`tab.${page.id}.${id}`))))));
-  showPage([heading, tabBar, h('div', { class: 'cards' }, (chosen ?? page).cards(context))], page.id);
+  const tabBar =
+    tabs &&
+    tabs.length > 1 &&
+    h(
+      'nav',
+      { class: 'tabs', 'aria-label': t(`page.${page.id}`) },
+      h(
+        'ul',
+        {},
+        tabs.map(({ id }) =>
+          h(
+            'li',
+            {},
+            h(
+              'a',
+              {
+                href: `#/${page.id}/${id}`,
+                'aria-current': id === chosen.id ? 'page' : null,
+              },
+              t(`tab.${page.id}.${id}`),
+            ),
+          ),
+        ),
+      ),
+    );
+  showPage(
+    [heading, tabBar, h('div', { class: 'cards' }, (chosen ?? page).cards(context))],
+    page.id,
+  );
   tabBar?.querySelector?.('[aria-current]')?.scrollIntoView({ block: 'nearest', inline: 'center' });
   if (focus) heading.focus();
 }
@@ -177,7 +295,10 @@ setHooks({
 async function start() {
   useTheme(localStorage.getItem(kTheme));
   useLanguage(language(), false);
-  fill(root, h('div', { class: 'starting', role: 'status' }, icon('router'), h('p', {}, t('loading'))));
+  fill(
+    root,
+    h('div', { class: 'starting', role: 'status' }, icon('router'), h('p', {}, t('loading'))),
+  );
   if (!languageChosen()) {
     const reply = await call('getlanguage').catch(() => null);
     const name = { en: 'en', zhcn: 'zh' }[reply?.language];
@@ -186,8 +307,18 @@ async function start() {
   try {
     state.inside = await hasSession();
   } catch (error) {
-    fill(root, h('main', { class: 'starting' }, notice('error', h('p', {}, sentence(error)),
-      h('button', { type: 'button', class: 'button small', onclick: start }, t('retry')))));
+    fill(
+      root,
+      h(
+        'main',
+        { class: 'starting' },
+        notice(
+          'error',
+          h('p', {}, sentence(error)),
+          h('button', { type: 'button', class: 'button small', onclick: start }, t('retry')),
+        ),
+      ),
+    );
     return;
   }
   if (state.inside) await loadFunctions();

@@ -8,8 +8,8 @@ const kAsk = 2000;
 
 /**
  * A dialog that says what is happening. `steps` are keys of sentences; `at(i)` moves on, `end(...)`
- * shows the outcome and lets the user go on. With `stoppable` there is a button to end it, which
- * aborts `signal`.
+ * shows the outcome and lets the user go on. `stoppable` is the text of a button that aborts
+ * `signal`, for work that can be left.
  */
 export function progress({ title, steps, stoppable, seconds }) {
   const heading = newId('progress');
@@ -17,20 +17,43 @@ export function progress({ title, steps, stoppable, seconds }) {
   const bar = h('progress', { 'aria-labelledby': heading, max: seconds });
   const items = steps.map((key) => h('li', {}, t(key)));
   const outcome = h('div', { class: 'outcome', 'aria-live': 'assertive' });
-  const foot = h('footer', { class: 'dialog-foot' }, stoppable && h('button', {
-    type: 'button', class: 'button', onclick: () => control.abort(),
-  }, t('stop')));
-  const dialog = h('dialog', { class: 'dialog progress', 'aria-labelledby': heading, id: 'progress-dialog' },
+  const foot = h(
+    'footer',
+    { class: 'dialog-foot' },
+    stoppable &&
+      h(
+        'button',
+        {
+          type: 'button',
+          class: 'button',
+          onclick: () => control.abort(),
+        },
+        stoppable,
+      ),
+  );
+  const dialog = h(
+    'dialog',
+    { class: 'dialog progress', 'aria-labelledby': heading, id: 'progress-dialog' },
     h('header', { class: 'dialog-head' }, h('h2', { id: heading }, title)),
-    h('div', { class: 'dialog-body' }, bar, h('ol', { class: 'steps', 'aria-live': 'polite' }, items), outcome), foot);
+    h(
+      'div',
+      { class: 'dialog-body' },
+      bar,
+      h('ol', { class: 'steps', 'aria-live': 'polite' }, items),
+      outcome,
+    ),
+    foot,
+  );
   dialog.addEventListener('cancel', (event) => event.preventDefault());
   document.body.append(dialog);
   dialog.showModal();
 
   const began = Date.now();
-  const timer = seconds && setInterval(() => {
-    bar.value = Math.min((Date.now() - began) / 1000, seconds * 0.97);
-  }, 500);
+  const timer =
+    seconds &&
+    setInterval(() => {
+      bar.value = Math.min((Date.now() - began) / 1000, seconds * 0.97);
+    }, 500);
 
   const self = {
     signal: control.signal,
@@ -52,15 +75,23 @@ export function progress({ title, steps, stoppable, seconds }) {
       clearInterval(timer);
       if (kind === 'good') self.at(steps.length);
       bar.hidden = true;
-      fill(outcome, h('div', { class: `notice ${kind === 'good' ? 'info' : 'error'}` }, h('div', {}, content)));
+      fill(
+        outcome,
+        h('div', { class: `notice ${kind === 'good' ? 'info' : 'error'}` }, h('div', {}, content)),
+      );
       return new Promise((resolve) => {
-        const button = h('button', {
-          type: 'button', class: 'button primary',
-          onclick: () => {
-            self.close();
-            resolve();
+        const button = h(
+          'button',
+          {
+            type: 'button',
+            class: 'button primary',
+            onclick: () => {
+              self.close();
+              resolve();
+            },
           },
-        }, action ?? t('close'));
+          action ?? t('close'),
+        );
         fill(foot, button);
         button.focus();
       });
@@ -87,7 +118,12 @@ async function answers(origin) {
   const control = new AbortController();
   const timer = setTimeout(() => control.abort(), 3000);
   try {
-    await fetch(`${origin}/`, { mode: 'no-cors', cache: 'no-store', credentials: 'omit', signal: control.signal });
+    await fetch(`${origin}/`, {
+      mode: 'no-cors',
+      cache: 'no-store',
+      credentials: 'omit',
+      signal: control.signal,
+    });
     return true;
   } catch {
     return false;
@@ -138,19 +174,31 @@ export const routerLink = (origin) =>
 /** Follows the router from one LAN address to another. */
 export async function followAddress(title, address, before) {
   const origin = originAt(address, before);
-  const work = progress({ title, steps: ['move.applying', 'move.device', 'move.finding'], seconds: 60 });
-  work.say(h('p', {}, t('move.link', { address })), origin === window.location.origin ? null : routerLink(origin));
+  const work = progress({
+    title,
+    steps: ['move.applying', 'move.device', 'move.finding'],
+    seconds: 60,
+  });
+  work.say(
+    h('p', {}, t('move.link', { address })),
+    origin === window.location.origin ? null : routerLink(origin),
+  );
   await pause(3000);
   work.at(1);
   await pause(3000);
   work.at(2);
   const stays = origin === window.location.origin;
-  const found = stays ? await waitForReturn({ settle: 2, limit: 90 }) : await waitAt(origin, { limit: 90 });
+  const found = stays
+    ? await waitForReturn({ settle: 2, limit: 90 })
+    : await waitAt(origin, { limit: 90 });
   if (found && stays) {
     await work.end('good', h('p', {}, t('move.same', { address })));
     return;
   }
-  await work.end(found ? 'good' : 'bad', [h('p', {}, t(found ? 'move.found' : 'move.lost', { address })), routerLink(origin)]);
+  await work.end(found ? 'good' : 'bad', [
+    h('p', {}, t(found ? 'move.found' : 'move.lost', { address })),
+    routerLink(origin),
+  ]);
 }
 
 /** Waits for the router to come back where it is, as after a restart. */

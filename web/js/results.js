@@ -15,7 +15,9 @@ function rejection({ status, word, retryAfter }) {
   if (status === 429) {
     const minutes = Math.ceil(retryAfter / 60);
     if (retryAfter === 0) return t('error.429');
-    return retryAfter < 120 ? t('error.429.seconds', { n: retryAfter }) : t('error.429.minutes', { n: minutes });
+    return retryAfter < 120
+      ? t('error.429.seconds', { n: retryAfter })
+      : t('error.429.minutes', { n: minutes });
   }
   const said = `error.${word}`;
   if (word && hasText(said)) return t(said);
@@ -38,4 +40,5 @@ export const givenUp = (error) => error?.name === 'AbortError';
 
 /** Whether a command is not there on this router. */
 export const missing = (error) =>
-  (error instanceof Refused && error.result === kUnknown) || (error instanceof Rejected && error.word === 'unknown_command');
+  (error instanceof Refused && error.result === kUnknown) ||
+  (error instanceof Rejected && error.word === 'unknown_command');

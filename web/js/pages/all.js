@@ -9,5 +9,12 @@ import { wifiPage } from './wifi.js';
 
 /** All pages; a phone shows the first four at the bottom and the rest behind "more". */
 export const kPages = [
-  overviewPage, internetPage, wifiPage, devicesPage, mobilePage, usbPage, systemPage, consolePage,
+  overviewPage,
+  internetPage,
+  wifiPage,
+  devicesPage,
+  mobilePage,
+  usbPage,
+  systemPage,
+  consolePage,
 ];

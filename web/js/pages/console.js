@@ -13,7 +13,8 @@ const kMoment = 400;
 /** A value as the request carries it, by the type that its member has. */
 function valueOf(type, text) {
   const types = type.split('|');
-  if (types.includes('number') && /^-?\d+(\.\d+)?$/.test(text) && !(types[0] === kText)) return Number(text);
+  if (types.includes('number') && /^-?\d+(\.\d+)?$/.test(text) && !(types[0] === kText))
+    return Number(text);
   if (types.some((one) => ['array', 'object', 'boolean'].includes(one))) return JSON.parse(text);
   return text;
 }
@@ -25,12 +26,38 @@ function memberField(member, changed) {
   const choices = newId('values');
   const long = /array|object/.test(type);
   const input = h(long ? 'textarea' : 'input', {
-    id, name: member.name, autocomplete: 'off', spellcheck: 'false', rows: long ? '3' : null, list: values.length > 0 ? choices : null, 'aria-describedby': `${id}-about`, oninput: changed,
+    id,
+    name: member.name,
+    autocomplete: 'off',
+    spellcheck: 'false',
+    rows: long ? '3' : null,
+    list: values.length > 0 ? choices : null,
+    'aria-describedby': `${id}-about`,
+    oninput: changed,
   });
-  const element = h('div', { class: `field ${long ? 'wide' : ''}` },
-    h('label', { for: id }, h('code', {}, member.name), h('span', { class: 'quiet' }, ` ${type}${member.required ? ` · ${t('console.required')}` : ''}`)),
-    input, values.length > 0 && h('datalist', { id: choices }, values.map(({ value, label }) => h('option', { value: String(value) }, label))),
-    member.description && h('p', { class: 'hint', id: `${id}-about`, lang: 'en' }, member.description));
+  const element = h(
+    'div',
+    { class: `field ${long ? 'wide' : ''}` },
+    h(
+      'label',
+      { for: id },
+      h('code', {}, member.name),
+      h(
+        'span',
+        { class: 'quiet' },
+        ` ${type}${member.required ? ` · ${t('console.required')}` : ''}`,
+      ),
+    ),
+    input,
+    values.length > 0 &&
+      h(
+        'datalist',
+        { id: choices },
+        values.map(({ value, label }) => h('option', { value: String(value) }, label)),
+      ),
+    member.description &&
+      h('p', { class: 'hint', id: `${id}-about`, lang: 'en' }, member.description),
+  );
   return { element, member, input, type };
 }
 
@@ -51,18 +78,50 @@ function show(body, commands) {
   const place = h('div', { class: 'place', 'aria-live': 'polite' });
   const form = h('div', { class: 'console-form' });
   const about = h('div', { class: 'console-about', lang: 'en' });
-  const text = h('textarea', { id: 'console-request', rows: '5', spellcheck: 'false', class: 'mono' });
-  const reply = h('pre', { id: 'console-reply', class: 'mono', tabindex: '0', 'aria-live': 'polite' });
+  const text = h('textarea', {
+    id: 'console-request',
+    rows: '5',
+    spellcheck: 'false',
+    class: 'mono',
+  });
+  const reply = h('pre', {
+    id: 'console-reply',
+    class: 'mono',
+    tabindex: '0',
+    'aria-live': 'polite',
+  });
   const timing = h('span', { class: 'quiet' });
-  const effects = h('div', { id: 'console-journal', class: 'journal', hidden: true, 'aria-live': 'polite' });
-  const search = h('input', { type: 'search', id: 'console-search', 'aria-label': t('console.search'), placeholder: t('console.search'), autocomplete: 'off', oninput: () => offer() });
-  const choose = h('select', { id: 'console-command', size: '10', 'aria-label': t('console.command'), onchange: () => take(choose.value) });
+  const effects = h('div', {
+    id: 'console-journal',
+    class: 'journal',
+    hidden: true,
+    'aria-live': 'polite',
+  });
+  const search = h('input', {
+    type: 'search',
+    id: 'console-search',
+    'aria-label': t('console.search'),
+    placeholder: t('console.search'),
+    autocomplete: 'off',
+    oninput: () => offer(),
+  });
+  const choose = h('select', {
+    id: 'console-command',
+    size: '10',
+    'aria-label': t('console.command'),
+    onchange: () => take(choose.value),
+  });
 
   function offer() {
     const words = search.value.toLowerCase().split(/\s+/).filter(Boolean);
-    const fits = commands.filter(({ name, summary }) => words.every((word) => `${name} ${summary}`.toLowerCase().includes(word)));
+    const fits = commands.filter(({ name, summary }) =>
+      words.every((word) => `${name} ${summary}`.toLowerCase().includes(word)),
+    );
     const before = choose.value;
-    fill(choose, fits.map(({ name }) => h('option', { value: name }, name)));
+    fill(
+      choose,
+      fits.map(({ name }) => h('option', { value: name }, name)),
+    );
     if (fits.some(({ name }) => name === before)) choose.value = before;
   }
 
@@ -74,15 +133,52 @@ function show(body, commands) {
       text.value = JSON.stringify(requestOf(command, fields), null, 1).replace(/\n\s*/g, ' ');
     }
     const { example } = command;
-    fill(about, h('p', {}, command.summary), h('ul', { class: 'quiet' }, Object.entries(command.results ?? {}).map(([number, meaning]) => h('li', {}, h('code', {}, number), ` ${meaning}`))));
-    fill(form, fields.length > 0 ? h('div', { class: 'fields' }, fields.map(({ element }) => element)) : h('p', { class: 'empty' }, t('console.nomembers')),
-      example && h('button', { type: 'button', class: 'button small', onclick: () => {
-        text.value = JSON.stringify(example);
-      } }, t('console.example')));
+    fill(
+      about,
+      h('p', {}, command.summary),
+      h(
+        'ul',
+        { class: 'quiet' },
+        Object.entries(command.results ?? {}).map(([number, meaning]) =>
+          h('li', {}, h('code', {}, number), ` ${meaning}`),
+        ),
+      ),
+    );
+    fill(
+      form,
+      fields.length > 0
+        ? h(
+            'div',
+            { class: 'fields' },
+            fields.map(({ element }) => element),
+          )
+        : h('p', { class: 'empty' }, t('console.nomembers')),
+      example &&
+        h(
+          'button',
+          {
+            type: 'button',
+            class: 'button small',
+            onclick: () => {
+              text.value = JSON.stringify(example);
+            },
+          },
+          t('console.example'),
+        ),
+    );
     write();
   }
 
-  const button = h('button', { type: 'button', class: 'button primary', id: 'console-send', onclick: () => attempt(button, place, run) }, t('console.send'));
+  const button = h(
+    'button',
+    {
+      type: 'button',
+      class: 'button primary',
+      id: 'console-send',
+      onclick: () => attempt(button, place, run),
+    },
+    t('console.send'),
+  );
 
   async function run() {
     let request;
@@ -103,16 +199,43 @@ function show(body, commands) {
     // What is started beside the answer notes itself a moment later.
     await pause(kMoment);
     const { lines } = (await journal(before.next)) ?? { lines: [] };
-    fill(effects, h('h3', {}, t('console.journal')), lines.length > 0 ? h('ol', { class: 'mono' }, lines.map(journalLine)) : h('p', { class: 'empty' }, t('console.noeffects')));
+    fill(
+      effects,
+      h('h3', {}, t('console.journal')),
+      lines.length > 0
+        ? h('ol', { class: 'mono' }, lines.map(journalLine))
+        : h('p', { class: 'empty' }, t('console.noeffects')),
+    );
   }
 
-  fill(body, h('div', { class: 'console' },
-    h('div', { class: 'console-left' }, search, choose),
-    h('div', { class: 'console-right' }, about, form,
-      h('label', { for: 'console-request' }, t('console.request')), text, place, h('div', { class: 'actions' }, button),
-      h('div', { class: 'console-out' }, h('div', {}, h('h3', {}, t('console.reply'), ' ', timing), reply), effects))));
+  fill(
+    body,
+    h(
+      'div',
+      { class: 'console' },
+      h('div', { class: 'console-left' }, search, choose),
+      h(
+        'div',
+        { class: 'console-right' },
+        about,
+        form,
+        h('label', { for: 'console-request' }, t('console.request')),
+        text,
+        place,
+        h('div', { class: 'actions' }, button),
+        h(
+          'div',
+          { class: 'console-out' },
+          h('div', {}, h('h3', {}, t('console.reply'), ' ', timing), reply),
+          effects,
+        ),
+      ),
+    ),
+  );
   offer();
-  choose.value = commands.some(({ name }) => name === 'getrouterstatus') ? 'getrouterstatus' : commands[0]?.name;
+  choose.value = commands.some(({ name }) => name === 'getrouterstatus')
+    ? 'getrouterstatus'
+    : commands[0]?.name;
   take(choose.value);
 }
 
@@ -122,9 +245,16 @@ function journalLine(line) {
 }
 
 export const consolePage = {
-  id: 'console', icon: 'console',
-  cards: () => [card({
-    id: 'console', title: 'console.title', intro: 'console.intro', wide: true,
-    load: catalogue, show,
-  }).element],
+  id: 'console',
+  icon: 'console',
+  cards: () => [
+    card({
+      id: 'console',
+      title: 'console.title',
+      intro: 'console.intro',
+      wide: true,
+      load: catalogue,
+      show,
+    }).element,
+  ],
 };

@@ -11,7 +11,11 @@ import { givenUp, sentence } from '../results.js';
 import { nameFields, nameRequest, nameValues, wanFields, wanRequest, wanValues } from './fields.js';
 
 const kModes = [
-  ['router', 'mode.router'], ['wisp', 'mode.wisp'], ['repeater', 'mode.repeater'], ['AP', 'mode.ap'], ['mobilenetwork', 'mode.mobile'],
+  ['router', 'mode.router'],
+  ['wisp', 'mode.wisp'],
+  ['repeater', 'mode.repeater'],
+  ['AP', 'mode.ap'],
+  ['mobilenetwork', 'mode.mobile'],
 ];
 
 /** The mode that the router tells, as requests spell it. */
@@ -23,7 +27,8 @@ export const modeName = (stored) => {
 
 /** Whether a mode joins another network. */
 export const joins = ({ opermode }) => opermode === 'wisp' || opermode === 'repeater';
-const needsKey = (values) => joins(values) && values.network && !/OPEN|NONE/.test(values.network.security.split('/')[0]);
+const needsKey = (values) =>
+  joins(values) && values.network && !/OPEN|NONE/.test(values.network.security.split('/')[0]);
 
 /** How strong a signal is, in words and bars. */
 const strength = (signal) => (signal >= 70 ? 3 : signal >= 45 ? 2 : 1);
@@ -32,12 +37,25 @@ function networkRow(network, changed, chosen) {
   const open = /^(OPEN|NONE)/.test(network.security);
   const band = network.wifi_type === '2.4G' ? '2.4 GHz' : '5 GHz';
   const bars = strength(network.signal);
-  const button = h('button', {
-    type: 'button', class: 'network', 'aria-pressed': String(chosen), onclick: () => changed(network),
-  },
-  h('span', { class: `bars b${bars}`, role: 'img', 'aria-label': t(`signal.${bars}`) }, h('i'), h('i'), h('i')),
-  h('span', { class: 'network-name' }, network.ssid),
-  h('span', { class: 'network-about' }, `${band} · ${t('channel.n', { n: network.channel })}`), open ? h('span', { class: 'network-about' }, t('security.open.short')) : icon('lock'));
+  const button = h(
+    'button',
+    {
+      type: 'button',
+      class: 'network',
+      'aria-pressed': String(chosen),
+      onclick: () => changed(network),
+    },
+    h(
+      'span',
+      { class: `bars b${bars}`, role: 'img', 'aria-label': t(`signal.${bars}`) },
+      h('i'),
+      h('i'),
+      h('i'),
+    ),
+    h('span', { class: 'network-name' }, network.ssid),
+    h('span', { class: 'network-about' }, `${band} · ${t('channel.n', { n: network.channel })}`),
+    open ? h('span', { class: 'network-about' }, t('security.open.short')) : icon('lock'),
+  );
   return button;
 }
 
@@ -45,17 +63,37 @@ function networkRow(network, changed, chosen) {
 function networkPicker(common, values, changed) {
   const place = h('div', { class: 'place', 'aria-live': 'polite' });
   const results = h('div', { class: 'networks' });
-  const button = h('button', { type: 'button', class: 'button', id: common.id, 'aria-describedby': common['aria-describedby'], onclick: search }, icon('wifi'), t('survey.start'));
+  const button = h(
+    'button',
+    {
+      type: 'button',
+      class: 'button',
+      id: common.id,
+      'aria-describedby': common['aria-describedby'],
+      onclick: search,
+    },
+    icon('wifi'),
+    t('survey.start'),
+  );
   let found = [];
   let current = values.network;
 
   function draw() {
-    const all = current && !found.some(({ bssid }) => bssid === current.bssid) ? [current, ...found] : found;
-    fill(results, all.map((network) => networkRow(network, changed, network.bssid === current?.bssid)));
+    const all =
+      current && !found.some(({ bssid }) => bssid === current.bssid) ? [current, ...found] : found;
+    fill(
+      results,
+      all.map((network) => networkRow(network, changed, network.bssid === current?.bssid)),
+    );
   }
   async function search() {
     say(place, 'error', null);
-    const work = progress({ title: t('survey.title'), steps: ['survey.both'], seconds: 28, stoppable: true });
+    const work = progress({
+      title: t('survey.title'),
+      steps: ['survey.both'],
+      seconds: 28,
+      stoppable: t('stop'),
+    });
     try {
       const { list } = await call('getrepeaterinfo', {}, { signal: work.signal, seconds: 180 });
       found = list;
@@ -80,10 +118,32 @@ function networkPicker(common, values, changed) {
 }
 
 export const modeFields = () => [
-  { name: 'opermode', kind: 'choice', label: 'mode.label', options: kModes, required: true, wide: true },
+  {
+    name: 'opermode',
+    kind: 'choice',
+    label: 'mode.label',
+    options: kModes,
+    required: true,
+    wide: true,
+  },
   ...wanFields(({ opermode }) => opermode === 'router'),
-  { name: 'network', kind: 'custom', label: 'survey.label', required: true, when: joins, make: (common, values, changed) => networkPicker(common, values, changed), wide: true },
-  { name: 'key', kind: 'password', label: 'survey.key', required: true, check: check.bytesAtMost(63), when: needsKey },
+  {
+    name: 'network',
+    kind: 'custom',
+    label: 'survey.label',
+    required: true,
+    when: joins,
+    make: (common, values, changed) => networkPicker(common, values, changed),
+    wide: true,
+  },
+  {
+    name: 'key',
+    kind: 'password',
+    label: 'survey.key',
+    required: true,
+    check: check.bytesAtMost(63),
+    when: needsKey,
+  },
 ];
 
 /** The whole request of a mode change. */
@@ -92,7 +152,14 @@ export function modeRequest(values) {
   if (values.opermode === 'router') Object.assign(request, wanRequest(values));
   if (joins(values)) {
     const { ssid, wifi_type, security, channel, bssid } = values.network;
-    Object.assign(request, { ssid, wifi_type, security, channel, bssid, key: needsKey(values) ? values.key : '' });
+    Object.assign(request, {
+      ssid,
+      wifi_type,
+      security,
+      channel,
+      bssid,
+      key: needsKey(values) ? values.key : '',
+    });
   }
   return request;
 }
@@ -101,7 +168,12 @@ export function modeRequest(values) {
 export async function followMode(values) {
   const moves = ['AP', 'repeater'].includes(values.opermode);
   const slow = joins(values);
-  const steps = ['modework.stored', 'modework.restart', ...(slow ? ['modework.join'] : []), 'move.finding'];
+  const steps = [
+    'modework.stored',
+    'modework.restart',
+    ...(slow ? ['modework.join'] : []),
+    'move.finding',
+  ];
   const seconds = slow ? 75 : 40;
   const work = progress({ title: t('modework.title'), steps, seconds });
   work.say(h('p', {}, t('modework.rejoin', { name: values.wlan2ssid })));
@@ -115,13 +187,28 @@ export async function followMode(values) {
   work.at(steps.length - 1);
   const found = await waitForReturn({ settle: 3, limit: 90 });
   if (found) await work.end('good', h('p', {}, t('modework.done')), t('continue'));
-  else if (moves) await work.end('bad', [h('p', {}, t('modework.elsewhere')), routerLink('http://router.zelto')]);
+  else if (moves)
+    await work.end('bad', [h('p', {}, t('modework.elsewhere')), routerLink('http://router.zelto')]);
   else await work.end('bad', h('p', {}, t('modework.lost', { name: values.wlan2ssid })));
 }
 
 export async function loadMode() {
-  const [{ operationmode }, wan, names] = [await call('getrouterstatus'), await call('getwancfg'), await call('getwlancfgall')];
-  return { ...wanValues(wan), ...nameValues(names), opermode: modeOf(operationmode), network: null, key: '' };
+  const [{ operationmode }, wan, names] = [
+    await call('getrouterstatus'),
+    await call('getwancfg'),
+    await call('getwlancfgall'),
+  ];
+  return {
+    ...wanValues(wan),
+    ...nameValues(names),
+    opermode: modeOf(operationmode),
+    network: null,
+    key: '',
+  };
 }
 
-export const allModeFields = () => [...modeFields(), { kind: 'heading', label: 'mode.names' }, ...nameFields()];
+export const allModeFields = () => [
+  ...modeFields(),
+  { kind: 'heading', label: 'mode.names' },
+  ...nameFields(),
+];

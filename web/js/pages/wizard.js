@@ -12,13 +12,35 @@ import { nameFields } from './fields.js';
 import { followMode, joins, loadMode, modeFields, modeName, modeRequest } from './mode.js';
 
 const passwordFields = (old) => [
-  { name: 'routepwd', kind: 'password', label: 'wizard.password', required: true, autocomplete: 'new-password', hint: 'wizard.password.hint',
-    check: [check.bytesAtMost(63), (text) => (text === old ? { key: 'check.same' } : null), (text) => ([...text].length < 8 ? { key: 'check.short', values: { n: 8 } } : null)] },
-  { name: 'again', kind: 'password', label: 'wizard.again', required: true, autocomplete: 'new-password',
-    check: (text, values) => (text === values.routepwd ? null : { key: 'check.again' }) },
+  {
+    name: 'routepwd',
+    kind: 'password',
+    label: 'wizard.password',
+    required: true,
+    autocomplete: 'new-password',
+    hint: 'wizard.password.hint',
+    check: [
+      check.bytesAtMost(63),
+      (text) => (text === old ? { key: 'check.same' } : null),
+      (text) => ([...text].length < 8 ? { key: 'check.short', values: { n: 8 } } : null),
+    ],
+  },
+  {
+    name: 'again',
+    kind: 'password',
+    label: 'wizard.again',
+    required: true,
+    autocomplete: 'new-password',
+    check: (text, values) => (text === values.routepwd ? null : { key: 'check.again' }),
+  },
 ];
 
-const kSteps = ['wizard.step.password', 'wizard.step.internet', 'wizard.step.wifi', 'wizard.step.check'];
+const kSteps = [
+  'wizard.step.password',
+  'wizard.step.internet',
+  'wizard.step.wifi',
+  'wizard.step.check',
+];
 
 /** `password` is the one of the login just done; `done()` leaves the wizard. */
 export function wizardPage({ password, signal, done }) {
@@ -26,9 +48,19 @@ export function wizardPage({ password, signal, done }) {
   let values = { routepwd: '', again: '', password: 'kept' };
   let step = 0;
   const body = h('div', { class: 'wizard-body' });
-  const trail = h('ol', { class: 'trail' }, kSteps.map((key) => h('li', {}, t(key))));
-  const element = h('div', { class: 'wizard', id: 'wizard' },
-    h('h1', { tabindex: '-1' }, t('wizard.title')), h('p', { class: 'intro' }, t('wizard.intro')), trail, body);
+  const trail = h(
+    'ol',
+    { class: 'trail' },
+    kSteps.map((key) => h('li', {}, t(key))),
+  );
+  const element = h(
+    'div',
+    { class: 'wizard', id: 'wizard' },
+    h('h1', { tabindex: '-1' }, t('wizard.title')),
+    h('p', { class: 'intro' }, t('wizard.intro')),
+    trail,
+    body,
+  );
 
   // Asking for the quick setup's facts is what tells the router that its first setup was done.
   const noteDone = () => call('geteasycfg', {}, { password: known });
@@ -44,51 +76,85 @@ export function wizardPage({ password, signal, done }) {
       else item.removeAttribute('aria-current');
     });
     const place = h('div', { class: 'place', 'aria-live': 'polite' });
-    const form = fields && makeFields(fields, values, (now) => {
-      values = now;
-    });
+    const form =
+      fields &&
+      makeFields(fields, values, (now) => {
+        values = now;
+      });
     const last = step === kSteps.length - 1;
-    const button = h('button', { type: 'submit', class: 'button primary' }, t(last ? 'wizard.apply' : 'next'));
-    const leave = h('button', { type: 'button', class: 'button plain', onclick: () => skip(leave, place) }, t('wizard.skip'));
+    const button = h(
+      'button',
+      { type: 'submit', class: 'button primary' },
+      t(last ? 'wizard.apply' : 'next'),
+    );
+    const leave = h(
+      'button',
+      { type: 'button', class: 'button plain', onclick: () => skip(leave, place) },
+      t('wizard.skip'),
+    );
     const heading = h('h2', { tabindex: '-1' }, t(kSteps[step]));
-    fill(body, h('form', {
-      class: 'card', novalidate: true,
-      onsubmit: async (event) => {
-        event.preventDefault();
-        if (form && !form.validate()) return;
-        if (form) values = form.values();
-        await attempt(button, place, next);
-      },
-    }, heading, h('p', { class: 'intro' }, t(`${kSteps[step]}.intro`)), form ? form.element : review(), place,
-    h('div', { class: 'actions' }, button, skipped && h('button', { type: 'button', class: 'button', onclick: skipped }, t('wizard.keep')),
-      back && h('button', { type: 'button', class: 'button', onclick: back }, t('back')), h('span', { class: 'spacer' }), leave)));
+    fill(
+      body,
+      h(
+        'form',
+        {
+          class: 'card',
+          novalidate: true,
+          onsubmit: async (event) => {
+            event.preventDefault();
+            if (form && !form.validate()) return;
+            if (form) values = form.values();
+            await attempt(button, place, next);
+          },
+        },
+        heading,
+        h('p', { class: 'intro' }, t(`${kSteps[step]}.intro`)),
+        form ? form.element : review(),
+        place,
+        h(
+          'div',
+          { class: 'actions' },
+          button,
+          skipped &&
+            h('button', { type: 'button', class: 'button', onclick: skipped }, t('wizard.keep')),
+          back && h('button', { type: 'button', class: 'button', onclick: back }, t('back')),
+          h('span', { class: 'spacer' }),
+          leave,
+        ),
+      ),
+    );
     heading.focus();
   }
 
-  const review = () => facts([
-    ['wizard.password', t(values.password === 'new' ? 'wizard.password.new' : 'wizard.password.kept')],
-    ['mode.label', modeName(values.opermode)],
-    values.opermode === 'router' && ['wan.mode', t(`wan.${values.wanmode}`)],
-    joins(values) && ['survey.label', values.network.ssid],
-    ['wifi.name2', values.wlan2ssid],
-    ['wifi.name5', values.same === '1' ? values.wlan2ssid : values.wlan5ssid],
-  ]);
+  const review = () =>
+    facts([
+      [
+        'wizard.password',
+        t(values.password === 'new' ? 'wizard.password.new' : 'wizard.password.kept'),
+      ],
+      ['mode.label', modeName(values.opermode)],
+      values.opermode === 'router' && ['wan.mode', t(`wan.${values.wanmode}`)],
+      joins(values) && ['survey.label', values.network.ssid],
+      ['wifi.name2', values.wlan2ssid],
+      ['wifi.name5', values.same === '1' ? values.wlan2ssid : values.wlan5ssid],
+    ]);
 
   const go = (to) => {
     step = to;
     steps[to]();
   };
   const steps = [
-    () => show(passwordFields(password), {
-      next: async () => {
-        values = { ...values, password: 'new' };
-        go(1);
-      },
-      skipped: () => {
-        values = { ...values, password: 'kept' };
-        go(1);
-      },
-    }),
+    () =>
+      show(passwordFields(password), {
+        next: async () => {
+          values = { ...values, password: 'new' };
+          go(1);
+        },
+        skipped: () => {
+          values = { ...values, password: 'kept' };
+          go(1);
+        },
+      }),
     async () => {
       if (values.opermode === undefined) await begin();
       show(modeFields(), { next: async () => go(2), back: () => go(0) });
@@ -104,10 +170,19 @@ export function wizardPage({ password, signal, done }) {
       values = { ...values, ...(await loadMode()) };
       const { wanmode } = await call('getwanmode', {}, { signal }).catch(() => ({}));
       const offered = String(wanmode).toLowerCase();
-      if (['dhcp', 'pppoe', 'static'].includes(offered)) values = { ...values, wanmode: offered, mtu: offered === 'pppoe' ? '1492' : '1500' };
+      if (['dhcp', 'pppoe', 'static'].includes(offered))
+        values = { ...values, wanmode: offered, mtu: offered === 'pppoe' ? '1492' : '1500' };
     } catch (error) {
       if (givenUp(error)) return;
-      values = { opermode: 'router', wanmode: 'dhcp', mtu: '1500', same: '1', wlan2ssid: '', wlan2psw: '', ...values };
+      values = {
+        opermode: 'router',
+        wanmode: 'dhcp',
+        mtu: '1500',
+        same: '1',
+        wlan2ssid: '',
+        wlan2psw: '',
+        ...values,
+      };
       say(place, 'error', sentence(error));
     }
   }
