@@ -22,5 +22,5 @@ add_test(NAME abi_install COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/abi/check_install
 # A sanitizer adds exports, libraries and size of its own.
 if(ZELTO_SANITIZE STREQUAL "")
   add_test(NAME abi_exports COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/abi/check_exports
-    $<TARGET_FILE:zeltoapi> ${PROJECT_SOURCE_DIR}/include ${CMAKE_C_COMPILER})
+    $<TARGET_FILE:zeltoapi> ${PROJECT_SOURCE_DIR} ${CMAKE_C_COMPILER})
 endif()
