@@ -40,4 +40,8 @@ bool danger_is_allowed() {
   return read("zelto", "gateway", "danger") != "0";
 }
 
+std::string public_names() {
+  return read("zelto", "gateway", "hosts");
+}
+
 }  // namespace gateway

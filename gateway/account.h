@@ -18,4 +18,8 @@ bool is_same_password(const std::string& presented, const std::string& stored);
 // zelto.gateway.danger is not "0".
 bool danger_is_allowed();
 
+// The names in public domains under which this router is reached, separated by blanks:
+// zelto.gateway.hosts.
+std::string public_names();
+
 }  // namespace gateway

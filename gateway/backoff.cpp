@@ -14,8 +14,8 @@ namespace {
 
 constexpr const char* kFile = "failures";
 constexpr int kFreeAttempts = 5;
-constexpr std::int64_t kLongestWait = 15 * 60;
-constexpr std::int64_t kForgottenAfter = 60 * 60;
+constexpr std::int64_t kLongestWait = 900;      // seconds
+constexpr std::int64_t kForgottenAfter = 3600;  // seconds
 constexpr std::size_t kMostSources = 128;
 
 // A line of the file.

@@ -41,6 +41,9 @@ void check_headers(const HttpRequest& http) {
   if (strcasecmp(type.c_str(), "application/json") != 0) {
     throw Refusal{400, "content_type", "Requests are of type application/json."};
   }
+  if (!is_own_host(http, public_names())) {
+    throw Refusal{403, "foreign_host", "This router is not known under that name."};
+  }
   if (!is_same_origin(http)) {
     throw Refusal{403, "foreign_origin", "Requests come from the pages of this router only."};
   }

@@ -119,7 +119,7 @@ std::string start_session(const std::string& library_token) {
   const StateLock lock;
   auto old = make_room(lock);
   old.insert(library_token);
-  const std::string token = make_token();
+  std::string token = make_token();
   change_token_file(lock, old, token);
   write_record(lock, token, {});
   return token;

@@ -8,8 +8,8 @@
 
 namespace gateway {
 
-inline constexpr std::int64_t kLongestIdle = 10 * 60;          // seconds without a request
-inline constexpr std::int64_t kLongestSession = 12 * 60 * 60;  // seconds after the login
+inline constexpr std::int64_t kLongestIdle = 600;       // seconds without a request
+inline constexpr std::int64_t kLongestSession = 43200;  // seconds after the login
 
 struct Session {
   std::int64_t age = 0;   // seconds since the login

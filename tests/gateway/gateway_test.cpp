@@ -104,21 +104,24 @@ TEST_F(Gateway, AnswersItsOwnPagesOnly) {
       {"200",
        {"", "CONTENT_TYPE=Application/JSON; charset=utf-8", "HTTP_SEC_FETCH_SITE=same-origin",
         "HTTP_ORIGIN=|HTTP_REFERER=http://192.168.10.1/index.html", "CONTENT_LENGTH=3",
-        "HTTP_HOST=Router:80|HTTP_ORIGIN=http://router",
+        "HTTP_HOST=Router.lan:80|HTTP_ORIGIN=http://router.lan",
         "HTTP_HOST=[fd00::1]|HTTP_ORIGIN=https://[fd00::1]:443|HTTPS=on"}},
       {"405 method", {"REQUEST_METHOD=GET", "REQUEST_METHOD=post", "REQUEST_METHOD="}},
       {"400 content_type", {"CONTENT_TYPE=text/plain", "CONTENT_TYPE=application/jsonx"}},
+      {"403 foreign_host",
+       {"HTTP_HOST=", "HTTP_HOST=evil.example|HTTP_ORIGIN=http://evil.example"}},
       {"403 foreign_origin",
        {"HTTP_ORIGIN=http://evil.example", "HTTP_ORIGIN=http://192.168.10.1.evil.example",
         "HTTP_ORIGIN=http://evil@192.168.10.1", "HTTP_ORIGIN=http://192.168.10.1:8080",
         "HTTP_ORIGIN=null", "HTTP_ORIGIN=http://evil.example|HTTP_REFERER=http://192.168.10.1/",
         "HTTP_ORIGIN=|HTTP_REFERER=http://evil.example/?http://192.168.10.1/",
-        "HTTP_ORIGIN=", "HTTP_HOST=", "HTTP_SEC_FETCH_SITE=same-site", "HTTPS=on"}},
+        "HTTP_ORIGIN=", "HTTP_SEC_FETCH_SITE=same-site", "HTTPS=on"}},
   };
   expect(verdicts, [](const std::string& changes) { return send(kHeartbeat, changes); });
-  EXPECT_THAT(send("").head,
-              EndsWith("\r\nContent-Type: application/json\r\nCache-Control: no-store"
-                       "\r\nX-Content-Type-Options: nosniff\r\nContent-Length: 69"));
+  ASSERT_EQ(easy_uci_set_option_string("zelto", "gateway", "hosts", "a.b My.example"), 0);
+  EXPECT_EQ(send(kHeartbeat, "HTTP_HOST=my.example|HTTP_ORIGIN=https://my.example").verdict, "200");
+  EXPECT_THAT(send("").head, HasSubstr("\r\nContent-Type: application/json\r\nCache-Control: no-"
+                                       "store\r\nX-Content-Type-Options: nosniff\r\nContent-"));
 }
 
 TEST_F(Gateway, AnswersCommandsOnly) {
