@@ -21,6 +21,14 @@ using std::chrono::milliseconds;
 constexpr uint16_t kWebPort = 80;
 constexpr milliseconds kStep(100);
 
+// httpd lets few connections wait. When more come at once the kernel would answer with SYN cookies,
+// and then reset a connection whose sender has said all before its turn; without them it comes to
+// its turn a little later.
+void let_connections_wait() {
+  constexpr const char* kSynCookies = "/proc/sys/net/ipv4/tcp_syncookies";
+  if (std::filesystem::exists(kSynCookies)) board::write_file(kSynCookies, "0");
+}
+
 // Programs of the page see the environment of the firmware's web server, not the launcher's.
 pid_t start_web_server() {
   return board::start_program(
@@ -63,6 +71,7 @@ std::vector<board::HostFile> web_files(const std::filesystem::path& web,
 
 int serve_web(const board::Descriptor& listening, const board::Descriptor& ready) {
   try {
+    let_connections_wait();
     const pid_t server = start_web_server();
     wait_until_served(server);
     if (!board::write_all(ready.get(), "+")) throw board::system_failure("pipe");
