@@ -97,6 +97,11 @@ void sort_scan_list(ScanList* list) {
   if (list == nullptr) return;
   auto* const begin = static_cast<ScanRecord*>(list->records);
   const auto count = std::clamp<int>(list->count, 0, ZELTO_SCAN_CAPACITY);
-  std::stable_sort(begin, begin + count,
-                   [](const ScanRecord& a, const ScanRecord& b) { return a.signal > b.signal; });
+  // Strongest first, equals as they came. So few need no stable_sort, which is ten times the code.
+  const auto is_stronger = [](const ScanRecord& a, const ScanRecord& b) {
+    return a.signal > b.signal;
+  };
+  for (auto* record = begin; record != begin + count; ++record) {
+    std::rotate(std::upper_bound(begin, record, *record, is_stronger), record, record + 1);
+  }
 }

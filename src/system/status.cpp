@@ -63,11 +63,11 @@ std::optional<std::string> read_state(const char* path, std::size_t longest, con
   return files::read_line(file.get(), longest);
 }
 
-std::string elapsed(long long seconds) {
-  constexpr long long kMinute = 60;
-  constexpr long long kHour = 60 * kMinute;
-  constexpr long long kDay = 24 * kHour;
-  return text::format("%lld:%lld:%lld:%lld", seconds / kDay, seconds % kDay / kHour,
+std::string elapsed(int seconds) {
+  constexpr int kMinute = 60;
+  constexpr int kHour = 60 * kMinute;
+  constexpr int kDay = 24 * kHour;
+  return text::format("%d:%d:%d:%d", seconds / kDay, seconds % kDay / kHour,
                       seconds % kHour / kMinute, seconds % kMinute);
 }
 
