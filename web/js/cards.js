@@ -25,12 +25,19 @@ export function card({ id, title, intro, tools, load, show, wide }) {
   const element = h(
     'section',
     { class: `card ${wide ? 'wide' : ''}`, id, 'aria-labelledby': heading },
-    h('header', { class: 'card-head' }, h('h2', { id: heading }, t(title)), tools),
+    h('header', { class: 'card-head' }, h('h2', { id: heading, tabindex: '-1' }, t(title)), tools),
     intro && h('p', { class: 'intro' }, t(intro)),
     body,
   );
 
-  async function refresh() {
+  // What had the focus is made anew; who came with the keyboard goes on from the card's title.
+  async function refresh({ focus } = {}) {
+    const inside = focus || body.contains(document.activeElement);
+    await fillAnew();
+    if (inside) document.getElementById(heading)?.focus();
+  }
+
+  async function fillAnew() {
     if (!load) {
       show(body, {});
       return;
@@ -40,7 +47,11 @@ export function card({ id, title, intro, tools, load, show, wide }) {
     try {
       show(body, await load());
     } catch (error) {
-      if (givenUp(error)) fill(body, lockedOut(refresh));
+      if (givenUp(error))
+        fill(
+          body,
+          lockedOut(() => refresh()),
+        );
       else if (missing(error)) fill(body, notice('info', t('error.missing')));
       else
         fill(
@@ -48,14 +59,18 @@ export function card({ id, title, intro, tools, load, show, wide }) {
           notice(
             'error',
             h('p', {}, sentence(error)),
-            h('button', { type: 'button', class: 'button small', onclick: refresh }, t('retry')),
+            h(
+              'button',
+              { type: 'button', class: 'button small', onclick: () => refresh() },
+              t('retry'),
+            ),
           ),
         );
     } finally {
       element.removeAttribute('aria-busy');
     }
   }
-  refresh();
+  fillAnew();
   return { element, refresh };
 }
 
@@ -63,7 +78,7 @@ const lockedOut = (refresh) =>
   notice(
     'info',
     h('p', {}, t('password.needed')),
-    h('button', { type: 'button', class: 'button small', onclick: refresh }, t('continue')),
+    h('button', { type: 'button', class: 'button small', onclick: () => refresh() }, t('continue')),
   );
 
 /** Runs work behind a button: busy while it lasts, its failure said in `place`. */
@@ -141,7 +156,7 @@ export function settings({ fields, save, ask, after, always, submit, ...rest }) 
               else before = values;
               mark();
               await after?.(values, loaded);
-              if (rest.load && !always) self.refresh();
+              if (rest.load && !always) self.refresh({ focus: true });
             },
           },
           form.element,
@@ -235,9 +250,16 @@ export function table(caption, columns, rows) {
   );
 }
 
-/** A small button in a row. */
-export const rowButton = (label, onclick, kind = '', about = '') =>
-  h(
+/** A small button in a row; what goes wrong behind it is said in passing. */
+export function rowButton(label, work, kind = '', about = '') {
+  const onclick = async () => {
+    try {
+      await work();
+    } catch (error) {
+      if (!givenUp(error)) toast(sentence(error), 'bad');
+    }
+  };
+  return h(
     'button',
     {
       type: 'button',
@@ -247,6 +269,7 @@ export const rowButton = (label, onclick, kind = '', about = '') =>
     },
     label,
   );
+}
 
 /**
  * A list with a way to add to it. `load()` gives { rows, ... }; `toggle` is a switch above the

@@ -195,10 +195,12 @@ export async function followAddress(title, address, before) {
     await work.end('good', h('p', {}, t('move.same', { address })));
     return;
   }
-  await work.end(found ? 'good' : 'bad', [
-    h('p', {}, t(found ? 'move.found' : 'move.lost', { address })),
-    routerLink(origin),
-  ]);
+  if (found) {
+    await work.end('good', h('p', {}, t('move.found', { address })), t('move.go'));
+    window.location.assign(`${origin}/`);
+    return;
+  }
+  await work.end('bad', [h('p', {}, t('move.lost', { address })), routerLink(origin)]);
 }
 
 /** Waits for the router to come back where it is, as after a restart. */

@@ -5,7 +5,6 @@ import { confirm, openDialog, toast } from '../dialog.js';
 import { h } from '../dom.js';
 import { bytes, days, duration, speed, t } from '../i18n.js';
 import { icon } from '../icons.js';
-import { sentence } from '../results.js';
 
 const kMedia = {
   0: ['plug', 'devices.cable'],
@@ -16,14 +15,10 @@ const kBlocked = 32;
 
 const nameOf = ({ name, mac }) => (name && name !== 'unknow' ? name : mac);
 
-/** Runs work behind a row; a failure is said as a passing message. */
+/** Does it, says so, and shows the list anew. */
 async function act(work, refresh) {
-  try {
-    await work();
-    toast(t('saved'));
-  } catch (error) {
-    toast(sentence(error), 'bad');
-  }
+  await work();
+  toast(t('saved'));
   refresh();
 }
 
@@ -156,21 +151,13 @@ function cards() {
       stacked: true,
       id: 'device-dialog',
     });
-    try {
-      const done =
-        choice === 'rename'
-          ? await rename(device)
-          : choice === 'limit'
-            ? await limit(device, current)
-            : choice === 'times'
-              ? await editRule(devices, null, device.mac)
-              : choice === 'block'
-                ? await block(device)
-                : false;
-      if (done) everything();
-    } catch (error) {
-      toast(sentence(error), 'bad');
-    }
+    const works = {
+      rename: () => rename(device),
+      limit: () => limit(device, current),
+      times: () => editRule(devices, null, device.mac),
+      block: () => block(device),
+    };
+    if (await works[choice]?.()) everything();
   };
 
   const attached = list({

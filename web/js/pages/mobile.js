@@ -2,15 +2,13 @@ import { call } from '../api.js';
 import * as check from '../check.js';
 import { card, facts, light, meter, settings } from '../cards.js';
 import { fill, h } from '../dom.js';
-import { bytes, t } from '../i18n.js';
+import { bytes, hasText, t } from '../i18n.js';
 
-const kOperators = {
-  UNICOM: 'China Unicom',
-  CMCC: 'China Mobile',
-  CTNET: 'China Telecom',
-  unknow: '',
+/** The operator's name; the router shortens three of them to words of its own. */
+const operator = (name) => {
+  if (name === 'unknow') return '';
+  return hasText(`operator.${name}`) ? t(`operator.${name}`) : name;
 };
-const operator = (name) => kOperators[name] ?? name;
 
 const bars = (count) =>
   h(

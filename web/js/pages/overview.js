@@ -72,7 +72,7 @@ function cards({ signal }) {
     'aria-label': t('overview.state'),
     'aria-live': 'polite',
   });
-  const now = h('div', { class: 'now' });
+  const now = h('div', { class: 'speeds' });
   const chart = speedChart(kHistory);
   const places = { ports: null, health: null, clients: null };
   let clients = null;

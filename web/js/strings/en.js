@@ -190,6 +190,7 @@ export default {
   'move.link': 'The new address is {address}. If Wi-Fi went away, join it again.',
   'move.same': "Done. The router's address is now {address}; this page is still connected.",
   'move.found': 'The router answers at {address}. Go on there; you will be asked to log in again.',
+  'move.go': 'Go there',
   'move.lost':
     "The router was not found at {address} yet. Join its network again, or pull your device's cable for a moment, then open the address.",
   'mode.title': 'Operating mode',
@@ -431,6 +432,9 @@ export default {
   'mobile.sim.ready': 'Ready',
   'mobile.sim.not': 'Missing or locked',
   'mobile.operator': 'Operator',
+  'operator.UNICOM': 'China Unicom',
+  'operator.CMCC': 'China Mobile',
+  'operator.CTNET': 'China Telecom',
   'apn.title': 'Access point (APN)',
   'apn.intro': 'The modem mostly finds it by itself.',
   'apn.modem': 'Modem software {version}',
