@@ -1,0 +1,61 @@
+// Every page in both appearances, on a desk and on a phone: accessible, not wider than the screen,
+// and kept as pictures.
+import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { flow, folder, installed, logIn, open } from './support.mjs';
+
+const kAxe = readFileSync(installed.resolve('axe-core/axe.min.js'), 'utf8');
+const kRoutes = [
+  'overview', 'internet/connection', 'internet/lan', 'internet/mode', 'internet/diagnosis', 'internet/outside', 'internet/tunnels', 'internet/more',
+  'wifi/networks', 'wifi/guests', 'wifi/radio', 'wifi/schedule', 'devices', 'mobile', 'usb', 'system/device', 'system/access', 'console',
+];
+const kScreens = [['desk', { width: 1280, height: 900 }], ['phone', { width: 390, height: 844 }]];
+
+/** Serious accessibility faults, each with where it is. */
+async function faultsOf(page) {
+  await page.evaluate(kAxe);
+  const { violations } = await page.evaluate(() => window.axe.run({ resultTypes: ['violations'] }));
+  return violations.filter(({ impact }) => ['serious', 'critical'].includes(impact))
+    .flatMap(({ id, nodes }) => nodes.map(({ target, failureSummary }) => `${id} ${target} ${failureSummary.split('\n').slice(1).join(' ')}`));
+}
+
+async function look(page, name, faults) {
+  await page.waitForFunction(() => !document.querySelector('[aria-busy=true], .skeleton, .starting'));
+  for (const [screen, viewport] of kScreens) {
+    await page.setViewportSize(viewport);
+    for (const colorScheme of ['light', 'dark']) {
+      await page.emulateMedia({ colorScheme, reducedMotion: 'reduce' });
+      const where = `${name.replace('/', '-')}-${screen}-${colorScheme}`;
+      await page.screenshot({ path: join(folder, 'pages', `${where}.png`), fullPage: true });
+      if (screen === 'desk' || colorScheme === 'light') faults.push(...(await faultsOf(page)).map((fault) => `${where}: ${fault}`));
+    }
+    if (await page.evaluate(() => document.documentElement.scrollWidth > window.innerWidth)) faults.push(`${name}: wider than a ${screen}`);
+  }
+}
+
+flow('looks well everywhere', { board: ['--modem', 'sa', '--usb', '2'] }, async ({ page, router }) => {
+  const faults = [];
+  for (const request of [
+    { type: 'setmacblack', mac: '02:AA:00:00:00:30', enable: '1', devname: 'old-camera' },
+    { type: 'setforwarding', enable: '1', name: 'games', ip: '192.168.10.100', list0: '25565,25565,TCP', list1: '27015-27030,27015-27030,TCP+UDP' },
+    { type: 'setparentalinfo', cfg_type: 'add', alias: 'homework', devname: 'tablet', mac: '02:AA:00:00:00:03', accesstime: '16:00-20:00', day: '12345' },
+  ]) assert.equal(router.ask(request).result, 0);
+  await page.goto(router.url);
+  await page.getByRole('heading', { name: 'Welcome home' }).waitFor();
+  await look(page, 'login', faults);
+  await open(page, router, 'overview');
+  for (const route of kRoutes) {
+    await page.goto(`${router.url}#/${route}`);
+    await look(page, route, faults);
+  }
+  assert.deepEqual(faults, []);
+});
+
+flow('greets well', { fresh: true }, async ({ page, router }) => {
+  const faults = [];
+  await logIn(page, router);
+  await page.getByText('Let’s set up your router').waitFor();
+  await look(page, 'wizard', faults);
+  assert.deepEqual(faults, []);
+});
