@@ -286,7 +286,10 @@ setHooks({
     state.inside = false;
     state.ended = true;
     state.wizard = null;
-    for (const dialog of document.querySelectorAll('dialog')) dialog.close();
+    for (const dialog of document.querySelectorAll('dialog')) {
+      dialog.close();
+      dialog.remove();
+    }
     render();
     toast(t('login.ended'), 'bad');
   },

@@ -1,9 +1,11 @@
 import { call, poll } from '../api.js';
 import { card, facts, light, meter } from '../cards.js';
 import { speedChart } from '../chart.js';
+import { notice } from '../dialog.js';
 import { fill, h, pause } from '../dom.js';
 import { bytes, duration, speed, t } from '../i18n.js';
 import { icon } from '../icons.js';
+import { givenUp, sentence } from '../results.js';
 import { modeName } from './mode.js';
 
 const kEvery = 3000;
@@ -139,15 +141,22 @@ function cards({ signal }) {
     if (both) chart.add(both.down, both.up);
   }
 
+  async function look(round) {
+    try {
+      if (round % kDevicesEvery === 0) {
+        clients = await poll('getclientnum', {}, { signal }).catch(() => clients);
+      }
+      update(await poll('getrouterinfo', {}, { signal }));
+    } catch (error) {
+      if (givenUp(error)) return;
+      lastState = '';
+      fill(hero, notice('error', sentence(error)));
+    }
+  }
+
   async function watch() {
     for (let round = 0; !signal.aborted; round += 1) {
-      if (!document.hidden) {
-        if (round % kDevicesEvery === 0)
-          clients = await poll('getclientnum', {}, { signal }).catch(() => clients);
-        await poll('getrouterinfo', {}, { signal })
-          .then(update)
-          .catch(() => {});
-      }
+      if (!document.hidden) await look(round);
       await pause(kEvery, signal);
     }
   }
