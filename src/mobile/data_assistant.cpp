@@ -37,7 +37,7 @@ std::string sum(const char* month, const char* current) {
   if (__builtin_add_overflow(counted, bytes(current), &total)) {
     total = counted < 0 ? Limits::min() : Limits::max();
   }
-  return std::to_string(total);
+  return text::format("%lld", static_cast<long long>(total));
 }
 
 void add_traffic(const Request& /*request*/, Reply& reply) {

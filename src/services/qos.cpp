@@ -110,7 +110,7 @@ struct Plan {
 // Every device has a mark of its own; marks are never used again.
 std::string take_mark() {
   const auto last = text::to_int(config::read_or_empty(kLastMark));
-  auto mark = std::to_string(last + 1LL);
+  auto mark = text::format("%lld", last + 1LL);
   config::write(kLastMark, mark);
   return mark;
 }
