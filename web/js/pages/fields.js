@@ -129,7 +129,6 @@ export function wanRequest(values) {
 
 /** What a WAN form begins with, by the reply of "getwancfg". */
 export const wanValues = (reply) => ({
-  wanmode: reply.wanmode || 'dhcp',
   wanip: '',
   wanmsk: '',
   wangw: '',
@@ -139,6 +138,7 @@ export const wanValues = (reply) => ({
   pppoepsw: '',
   server_name: '',
   ...reply,
+  wanmode: reply.wanmode || 'dhcp',
   mtu: reply.mtu || kPlainMtu,
 });
 
