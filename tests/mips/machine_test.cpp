@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
+#include <string>
 
 #include <zelto/utilities.h>
 
@@ -33,6 +35,23 @@ TEST_F(Machine, KnowsFilesAbove4GiB) {
   ASSERT_EQ(truncate("/tmp/large", off_t{5} << 30), 0);
   EXPECT_EQ(check_file_exist("/tmp/large"), check_file_exist("/etc/config/system"));
 }
+
+#ifdef __mips__
+TEST_F(Machine, TellsTheUpdateDaemonBySignal72) {
+  if (getenv("ZELTO_UNDER_QEMU_USER") != nullptr) GTEST_SKIP() << "no such signal there";
+  constexpr int kEnough = 500;
+  const auto wait_for = [](const char* path) {
+    for (int i = 0; i < kEnough && access(path, F_OK) < 0; ++i) usleep(10'000);
+  };
+  ASSERT_EQ(board::quiet({"/etc/init.d/sys_daemon", "start"}), 0);
+  board::exempt(std::stoi(board::read_file("/var/run/sys_daemon.pid")));
+  wait_for("/var/run/sys_daemon");
+  EXPECT_EQ(ask(R"({"type":"upgrade"})"), R"({"type":"upgrade","result":0})");
+  wait_for("/tmp/upgrade_status");
+  EXPECT_EQ(access("/tmp/upgrade_status", F_OK), 0);
+  EXPECT_EQ(board::quiet({"/etc/init.d/sys_daemon", "stop"}), 0);
+}
+#endif
 
 }  // namespace
 }  // namespace zelto_test
