@@ -204,10 +204,9 @@ TEST_F(Gateway, EndsSessionsAfterAWhile) {
 
 TEST_F(Gateway, LetsNobodyIntoARouterWithoutAnAccount) {
   ASSERT_EQ(easy_uci_delete_option("system", "route", "routepwd"), 0);
-  for (const char* members : {"", R"(,"user":"","pass":"")", R"(,"user":"admin")"}) {
+  for (const char* members : {"", R"(,"user":"","pass":"")", R"(,"user":"admin")"})
     EXPECT_EQ(send(R"({"type":"loginauth")" + std::string(members) + "}").verdict,
               "403 account_unset");
-  }
 }
 
 TEST_F(Gateway, SlowsDownWhoGuessesAndKeepsBoundedRecords) {
@@ -225,7 +224,6 @@ TEST_F(Gateway, SlowsDownWhoGuessesAndKeepsBoundedRecords) {
   for (int i = 0; i < 32; ++i) ASSERT_EQ(log_in().verdict, "200") << "from elsewhere";
   EXPECT_EQ(send(kRead, cookie(oldest)).verdict, "401 no_session");
   EXPECT_EQ(board::read_file("/tmp/token").size(), 32U * 33U);
-
   board::write_file(kFailures, "fd00::66 12" + seconds_ago(100));
   EXPECT_EQ(log_in("admin", "REMOTE_ADDR=fd00:0::66").verdict, "429 too_many_attempts");
   board::write_file(kFailures, "fd00::66 12" + seconds_ago(300));
@@ -248,13 +246,11 @@ TEST_F(Gateway, AsksForThePasswordBeforeDangerAndWritesDownWhoDidWhat) {
   const auto log = board::log();
   for (const char* line :
        {"loginauth from 192.168.10.50: result 0", "gethostinfo from 192.168.10.50: done",
-        "setlancfg from 192.168.10.50: result 1", "loginauth from unknown: result 1"}) {
+        "setlancfg from 192.168.10.50: result 1", "loginauth from unknown: result 1"})
     EXPECT_THAT(log, testing::Contains(std::string("<5>") + line));
-  }
   EXPECT_THAT(log, testing::Each(Not(HasSubstr("forged"))));
-  for (const char* wrong : {R"("")", R"("admi")", R"("Admin")", R"("adminadmin")", R"("admin0")"}) {
+  for (const char* wrong : {R"("")", R"("admi")", R"("Admin")", R"("adminadmin")", R"("admin0")"})
     EXPECT_EQ(danger(wrong, session).verdict, "403 wrong_password") << wrong;
-  }
   board::write_file(kFailures, "192.168.10.50 12" + seconds_ago(100));
   EXPECT_EQ(danger("\"admin\"", session).verdict, "429 too_many_attempts");
   ASSERT_EQ(easy_uci_set_option_string("zelto", "gateway", "danger", "0"), 0);
