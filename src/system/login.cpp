@@ -28,11 +28,11 @@ constexpr std::size_t kTokenLine = 255;
 
 constexpr const char* kTokenFile = "/tmp/token";
 
-// A member that its field cannot hold is never cut to match: it matches nothing.
+// Neither a member that its field cannot hold nor a stored value is ever cut to match.
 bool matches(const Request& request, const char* member, const config::Option& option,
              std::size_t longest) {
   const auto presented = request.text(member).value_or("");
-  return presented.size() <= longest && presented == config::read_or_empty(option, longest);
+  return presented.size() <= longest && presented == config::read_or_empty(option, longest + 1);
 }
 
 std::string mint_token() {

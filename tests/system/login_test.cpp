@@ -56,6 +56,7 @@ TEST_F(Login, RefusesEverythingElse) {
   given("system", "route", "routeusr", long_user);
   given("system", "route", "routepwd", long_password);
   EXPECT_EQ(log_in(long_user, long_password), kRefused) << "never cut to match";
+  EXPECT_EQ(log_in(long_user.substr(1), long_password.substr(1)), kRefused) << "the stored neither";
   EXPECT_THAT(board::journal(), IsEmpty());
   EXPECT_EQ(board::quiet({"test", "-e", "/tmp/token"}), 1);
 }
