@@ -105,8 +105,12 @@ export const forwarding = () =>
       {
         label: 'forward.ports',
         cell: ({ sublist }) =>
-          sublist.map((one) =>
-            h('div', {}, `${one.wanport} → ${one.lanport} ${protocolOf(one.protocol)}`),
+          h(
+            'div',
+            {},
+            sublist.map((one) =>
+              h('div', {}, `${one.wanport} → ${one.lanport} ${protocolOf(one.protocol)}`),
+            ),
           ),
       },
       {
