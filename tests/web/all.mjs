@@ -1,7 +1,10 @@
-import { after } from 'node:test';
+import { after, describe } from 'node:test';
 import { closeBrowser } from './support.mjs';
 
-await import('./flows.mjs');
-await import('./safety.mjs');
-await import('./pages.mjs');
-after(closeBrowser);
+// Two at once: looking around for networks is mostly waiting.
+describe('the web page', { concurrency: 2 }, async () => {
+  after(closeBrowser);
+  await import('./pages.mjs');
+  await import('./flows.mjs');
+  await import('./safety.mjs');
+});

@@ -1,6 +1,6 @@
 // What families do on the page, looked at on the router.
 import assert from 'node:assert/strict';
-import { flow, hurryUntil, logIn, open, press, saved } from './support.mjs';
+import { eventually, flow, hurryUntil, logIn, open, press, saved } from './support.mjs';
 
 const kPhone = '02:AA:00:00:00:02';
 const heading = (page, name) => page.getByRole('heading', { level: 1, name });
@@ -98,7 +98,7 @@ flow('moves the router, and follows it', { names: ['192.168.10.1', '192.168.20.1
   const card = await open(page, { url: 'http://192.168.10.1/' }, 'internet/lan', 'lan');
   await moveRouter(page, router, card);
   await hurryUntil(page, page.getByText('The router answers at 192.168.20.1'));
-  await page.getByRole('dialog').getByRole('link').last().click();
+  await press(page.getByRole('dialog'), 'Go there');
   await page.waitForURL('http://192.168.20.1/');
   await logIn(page, { url: 'http://192.168.20.1/' });
   await heading(page, 'Overview').waitFor();
@@ -122,7 +122,7 @@ flow('blocks a device and lets it in again', {}, async ({ page, router }) => {
   await page.locator('#blocked').getByText(kPhone).waitFor();
   assert.deepEqual(blocked(), [kPhone]);
   assert.match(router.shell('cat /etc/firewall.user'), new RegExp(kPhone, 'i'));
-  await press(page.locator('#blocked'), 'Unblock: phone');
+  await press(page.locator('#blocked'), 'Let in: phone');
   await page.locator('#blocked').getByText(kPhone).waitFor({ state: 'detached' });
   assert.deepEqual(blocked(), []);
   assert.doesNotMatch(router.shell('cat /etc/firewall.user'), new RegExp(kPhone, 'i'));
@@ -155,7 +155,7 @@ flow('becomes a repeater, and a router again', {}, async ({ page, router }) => {
   await card.getByText('Carries the Wi-Fi of another router further.').click();
   await press(card, 'Look for networks');
   await card.getByText('networks found').waitFor();
-  await card.getByRole('button', { name: 'Neighbour' }).click();
+  await card.getByRole('button', { name: /Neighbour 2/ }).click();
   await card.getByLabel('Password of that network').fill('their secret');
   const apply = async () => {
     await page.clock.install();
@@ -168,7 +168,7 @@ flow('becomes a repeater, and a router again', {}, async ({ page, router }) => {
   await apply();
   assert.equal(router.ask({ type: 'getrouterstatus' }).operationmode, 'repeater');
   assert.equal(router.uci('system.route.operationmode'), 'repeater');
-  assert.match(router.shell('uci show internet.repeater'), /Neighbour[\s\S]*their secret|their secret[\s\S]*Neighbour/);
+  assert.match(router.shell('cat /etc/config/internet'), /Neighbour[\s\S]*their secret|their secret[\s\S]*Neighbour/);
   await page.goto(`${router.url}#/internet/mode`);
   await card.getByText('A cable from your provider or modem').click();
   await apply();
@@ -213,7 +213,7 @@ flow('speaks the other language', {}, async ({ page, router }) => {
   await heading(page, 'Overview').waitFor();
   await press(page, '中文');
   await page.reload();
-  await heading(page, '概览').or(heading(page, '总览')).waitFor();
+  await heading(page, '概览').waitFor();
   assert.equal(await page.getAttribute('html', 'lang'), 'zh-Hans');
   await press(page, 'English');
   await heading(page, 'Overview').waitFor();
@@ -232,7 +232,7 @@ flow('asks for the password again before it restarts', {}, async ({ page, router
   await dialog.getByLabel('Password').fill('admin');
   await press(dialog, 'Continue');
   await page.locator('#progress-dialog').waitFor();
-  assert.equal(restarts(), 1);
+  await eventually(() => restarts() === 1);
 });
 
 flow('sends any command, and shows what it did', {}, async ({ page, router }) => {

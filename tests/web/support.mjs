@@ -18,6 +18,8 @@ const kFlags = ['--no-sandbox', '--disable-dev-shm-usage', '--disable-gpu', '--n
 /** Answers that a page has to cope with; Chromium notes each on the console. */
 const kRefusals = /^Failed to load resource: the server responded with a status of (401|403|429)/;
 const kLongest = 120_000;
+/** Looking around for networks takes the router twenty seconds. */
+const kLongestStep = 40_000;
 
 const running = new Set();
 process.on('exit', () => running.forEach((end) => end()));
@@ -85,12 +87,13 @@ export const closeBrowser = async () => (await shared)?.close();
  * `expected` matches complaints that belong to the test.
  */
 export function flow(name, { board = [], fresh, names, expected = /^$/, ...options }, body) {
-  test(name, { timeout: kLongest }, async () => {
+  test(name, { timeout: kLongest }, async ({ signal }) => {
     const router = await boot(board);
     const rules = names?.map((one) => `MAP ${one} ${new URL(router.url).host}`).join();
     const browser = await (names ? launch([`--host-resolver-rules=${rules}`]) : (shared ??= launch()));
     const context = await browser.newContext({ locale: 'en-GB', viewport: { width: 1280, height: 900 }, ...options });
-    context.setDefaultTimeout(kLongest / 3);
+    context.setDefaultTimeout(kLongestStep);
+    signal.addEventListener('abort', () => context.close());
     const faults = [];
     const page = await context.newPage();
     try {
@@ -125,12 +128,21 @@ export async function open(page, router, route, card) {
 export const press = (place, name) => place.getByRole('button', { name, exact: true }).click();
 export const saved = (page) => page.locator('.toast', { hasText: 'Saved' }).first().waitFor();
 
-/** Lets the page's clock, installed before, run ahead until something is seen. Never while a request is under way. */
+/** Waits until `look` finds what is wanted, for what the router does beside its answer. */
+export async function eventually(look) {
+  const end = Date.now() + kLongestStep;
+  while (!look()) assert.ok(Date.now() < end, `never: ${look}`);
+}
+
+/**
+ * Lets the page's clock, installed before, run ahead until something is seen; but not while a
+ * request is under way, whose time limit would pass.
+ */
 export async function hurryUntil(page, locator) {
-  let under_way = 0;
-  const begun = () => { under_way += 1; };
-  const over = () => { under_way -= 1; };
+  const under_way = new Set();
+  const begun = (request) => under_way.add(request);
+  const over = (request) => under_way.delete(request);
   page.on('request', begun).on('requestfinished', over).on('requestfailed', over);
-  while (!(await locator.isVisible())) if (under_way === 0) await page.clock.fastForward(500);
+  while (!(await locator.isVisible())) if (under_way.size === 0) await page.clock.fastForward(500);
   page.off('request', begun).off('requestfinished', over).off('requestfailed', over);
 }
