@@ -94,7 +94,7 @@ flow('lets no page of another port command', { expected: /CORS policy|Failed to 
 // A foreign name that its owner turned to the router's address.
 flow('answers under no foreign name', { names: ['rebound.example'] }, async ({ page, router }) => {
   await page.goto('http://rebound.example/');
-  await page.getByText('The router does not allow this.').waitFor();
+  await page.getByText('not known under that name').waitFor();
   const status = await page.evaluate(() => fetch('/cgi-bin/zelto-cgi', { method: 'POST', headers: { 'Content-Type': 'application/json' }, body: '{"type":"loginauth","user":"admin","pass":"admin"}' }).then((answer) => answer.status));
   assert.equal(status, 403);
   assert.equal(router.shell('ls /tmp/zelto-gateway 2>/dev/null | grep session- || echo none'), 'none');

@@ -141,7 +141,7 @@ export const dmz = () =>
     wide: true,
     load: () => call('getdmz'),
     fields: [
-      { name: 'enable', kind: 'switch', label: 'dmz.on' },
+      { name: 'enable', kind: 'switch', label: 'dmz.on', wide: true },
       {
         name: 'ip',
         label: 'dmz.host',

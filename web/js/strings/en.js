@@ -588,6 +588,7 @@ export default {
   'error.500': 'The router had a fault while it worked on this.',
   'error.other': 'The router answered with error {status}.',
   'error.disabled': 'This command is switched off on this router.',
+  'error.foreign_host': 'This page is not known under that name. Open it by the router\'s address.',
   'error.unknown_command': 'This router does not know this command.',
   'error.account_unset':
     'This router has no administrator account yet, so nobody can log in. Reset it to its factory settings.',

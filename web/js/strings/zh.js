@@ -564,6 +564,7 @@ export default {
   'error.500': '路由器处理时出错。',
   'error.other': '路由器返回错误 {status}。',
   'error.disabled': '此命令在本路由器上已停用。',
+  'error.foreign_host': '路由器不认识这个名称。请用路由器的地址打开此页面。',
   'error.unknown_command': '此路由器不支持该命令。',
   'error.account_unset': '此路由器尚未设置管理员账号，无法登录。请恢复出厂设置。',
   'error.missing': '此路由器不提供此功能。',
