@@ -7,7 +7,7 @@
 // its budget.
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  return board::run({.programs = {UCI_TOOL}}, [] {
+  return board::run({.programs = {BENCH_PROGRAMS}}, [] {
     // The shell that a router has, without the program before it that notes commands.
     board::quiet({"ln", "-sf", "/bin/busybox", "/bin/sh"});
     zelto_bench::RatioReporter reporter;

@@ -22,6 +22,8 @@ constexpr Ratio kRatios[] = {
     {"getwancfg : its two option reads", "getwancfg", "two_option_reads", 0},
     {"survey of 510 networks : reading its lines", "survey_510", "survey_lines", 40},
     {"operator of a SIM by 1752 rows : strstr for each", "sim_operator", "strstr_walk", 1.5},
+    {"getlancfg by the gateway : an empty CGI program", "cgi_getlancfg", "cgi_empty", 0},
+    {"getlancfg by the gateway : by the library", "cgi_getlancfg", "getlancfg", 0},
     {"getterminallist with 1000 entries : with 10", "getterminallist_1000", "getterminallist_10",
      0},
     {"getclientnum with 1000 entries : with 10", "getclientnum_1000", "getclientnum_10", 0},
