@@ -1,5 +1,6 @@
 // Friendly names of devices. The service that lists the devices reads them.
 
+#include <optional>
 #include <string>
 
 #include <zelto/access.h>
@@ -26,12 +27,18 @@ constexpr ListFile kAliases = {
 constexpr std::size_t kLongestMac = 23;
 constexpr std::size_t kLongestLine = 319;  // what readers take, the line end included
 
-Outcome remove_alias(const ChangeLock& lock, const std::string& mac) {
-  const auto outcome = list_file::rewrite(lock, kAliases, [&](const std::string& record) {
+// Takes the device's old record away and puts the new one, if there is one, at the end.
+Outcome replace_alias(const ChangeLock& lock, const std::string& mac,
+                      const std::optional<std::string>& fresh) {
+  const auto is_of_other = [&](const std::string& record) {
     return text::two_words(record).first != mac;
-  });
-  if (outcome == Outcome::kNotRead) log::error("fopen /etc/mac_alias_list for del error!\n");
-  if (outcome == Outcome::kNotWritten) log::error("fopen /tmp/mac_alias_list for del error!\n");
+  };
+  const auto outcome = list_file::rewrite(lock, kAliases, is_of_other, fresh);
+  if (outcome == Outcome::kNotWritten) {
+    log::error("fopen /tmp/mac_alias_list for del error!\n");
+  } else if (outcome != Outcome::kDone) {
+    log::error("fopen /etc/mac_alias_list for del error!\n");
+  }
   return outcome;
 }
 
@@ -46,8 +53,8 @@ int change(const Request& request) {
     return kFailed;
   }
   const ChangeLock lock;
-  // An alias that stays must not get another beside it.
-  if (remove_alias(lock, std::string(*mac)) == Outcome::kNotWritten) return kFailed;
+  const auto outcome = replace_alias(lock, std::string(*mac), record);
+  if (outcome != Outcome::kMissing) return outcome == Outcome::kDone ? kDone : kFailed;
   if (list_file::append(lock, kAliases, record) == Outcome::kDone) return kDone;
   log::error("fopen /etc/mac_alias_list for add error!\n");
   return kFailed;
@@ -60,7 +67,8 @@ using namespace zelto;
 
 int alias_name_del(const char* mac) {
   if (mac == nullptr) return 0;
-  return guarded(0, [&] { return remove_alias(ChangeLock(), mac) == Outcome::kDone ? 1 : 0; });
+  return guarded(
+      0, [&] { return replace_alias(ChangeLock(), mac, std::nullopt) == Outcome::kDone ? 1 : 0; });
 }
 
 int bs_SetAlias(const char* request, char* out) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,6 +64,24 @@ bool contains(const std::string& line, const std::string& text) {
   return line.find(text) != std::string::npos;
 }
 
+using Entries = std::optional<std::vector<std::string>>;
+
+// 1 or 0; -1 when the list could not be read.
+int find(const Entries& entries, const std::string& mac) {
+  if (!entries) {
+    log::error("fopen /etc/blacklist failed!\n");
+    return -1;
+  }
+  const bool found = std::any_of(entries->begin(), entries->end(),
+                                 [&](const auto& entry) { return contains(entry, mac); });
+  return found ? 1 : 0;
+}
+
+int count(const Entries& entries) {
+  if (!entries) log::error("fopen /etc/blacklist failed!\n");
+  return entries ? static_cast<int>(entries->size()) : 0;
+}
+
 // ---- getblacklist
 
 void add_entries(const Request& /*request*/, Reply& reply) {
@@ -76,11 +96,10 @@ void add_entries(const Request& /*request*/, Reply& reply) {
 
 // ---- setmacblack
 
+// Both rules at once: one of them alone would be half a block.
 bool append_rules(const ChangeLock& lock, const std::string& mac) {
-  for (const auto& rule : rules("-I", mac)) {
-    if (list_file::append(lock, kFirewallScript, rule) != Outcome::kDone) return false;
-  }
-  return true;
+  const auto [internet, router] = rules("-I", mac);
+  return list_file::append(lock, kFirewallScript, internet + "\n" + router) == Outcome::kDone;
 }
 
 // A line that readers would skip or could not read whole.
@@ -96,9 +115,9 @@ int refuse() {
 int block(const std::string& mac, const std::string& name) {
   const auto entry = mac + " " + name;
   const ChangeLock lock;
-  if (find_mac_from_blacklist(mac.c_str()) == 1) return kAlreadyThere;
+  if (find(list_file::read(lock, kBlacklist), mac) == 1) return kAlreadyThere;
   if (is_unreadable(entry)) return refuse();
-  if (get_blacklist_num() >= kMostEntries) return kFull;
+  if (count(list_file::read(lock, kBlacklist)) >= kMostEntries) return kFull;
   if (list_file::append(lock, kBlacklist, entry) != Outcome::kDone) {
     log::error("fopen /etc/blacklist for add error!\n");
     return kFailed;
@@ -116,10 +135,10 @@ bool remove_lines(const ListFile& list, const char* name,
                   const std::function<bool(const std::string&)>& is_of_device) {
   const auto outcome = list_file::rewrite(
       ChangeLock(), list, [&](const std::string& line) { return !is_of_device(line); });
-  if (outcome == Outcome::kNotRead) {
-    log::error(text::format("fopen /etc/%s for del error!\n", name));
-  } else if (outcome == Outcome::kNotWritten) {
+  if (outcome == Outcome::kNotWritten) {
     log::error(text::format("fopen /tmp/%s for del error!\n", name));
+  } else if (outcome != Outcome::kDone) {
+    log::error(text::format("fopen /etc/%s for del error!\n", name));
   }
   return outcome == Outcome::kDone;
 }
@@ -153,25 +172,11 @@ using namespace zelto;
 
 int find_mac_from_blacklist(const char* mac) {
   if (mac == nullptr) return 0;
-  return guarded(-1, [&] {
-    const auto records = list_file::read(kBlacklist);
-    if (!records) {
-      log::error("fopen /etc/blacklist failed!\n");
-      return -1;
-    }
-    return std::any_of(records->begin(), records->end(),
-                       [&](const std::string& record) { return contains(record, mac); })
-               ? 1
-               : 0;
-  });
+  return guarded(-1, [&] { return find(list_file::read(kBlacklist), mac); });
 }
 
 int get_blacklist_num() {
-  return guarded(0, [] {
-    const auto records = list_file::read(kBlacklist);
-    if (!records) log::error("fopen /etc/blacklist failed!\n");
-    return records ? static_cast<int>(records->size()) : 0;
-  });
+  return guarded(0, [] { return count(list_file::read(kBlacklist)); });
 }
 
 int del_mac_from_blacklist(const char* mac) {

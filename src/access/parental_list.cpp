@@ -1,6 +1,7 @@
 #include "access/parental_list.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <string_view>
 
 #include <zelto/access.h>
@@ -41,28 +42,38 @@ std::optional<std::vector<Rule>> read_rules() {
 
 namespace {
 
+using list_file::ChangeLock;
+using list_file::Outcome;
+
 constexpr config::Option kSwitch = {"system", "route", "parental_switch"};
 constexpr std::size_t kLongestName = 255;
 constexpr std::size_t kLongestWord = 23;
 constexpr std::size_t kLongestLine = 319;  // what readers take, the line end included
 constexpr const char* kUnknownDevice = "unknow";
 
-// Rewrites the list without the rules of a name, the others in their plain form.
-list_file::Outcome remove_rules(const list_file::ChangeLock& lock, const std::string& alias) {
-  const auto rules = read_rules();
-  if (!rules) {
+// Rewrites the list without the rules of some names, the others in their plain form, and with a new
+// one, if there is one, at the end.
+Outcome replace_rules(const ChangeLock& lock, const std::vector<std::string>& names,
+                      const std::optional<Rule>& fresh) {
+  const auto records = list_file::read(lock, kList);
+  if (!records) {
+    const bool is_missing = errno == ENOENT;
     log::error("fopen /etc/parental_list for del error!\n");
-    return list_file::Outcome::kNotRead;
+    return is_missing ? Outcome::kMissing : Outcome::kNotRead;
   }
-  std::vector<std::string> kept;
-  for (const auto& rule : *rules) {
-    if (rule.alias != alias) kept.push_back(print(rule));
+  std::vector<std::string> lines;
+  for (const auto& record : *records) {
+    const auto rule = parse(record);
+    if (std::find(names.begin(), names.end(), rule.alias) == names.end()) {
+      lines.push_back(print(rule));
+    }
   }
-  if (list_file::prepare(lock, kList, kept) && list_file::replace(kList)) {
-    return list_file::Outcome::kDone;
+  if (fresh) lines.push_back(print(*fresh));
+  if (list_file::prepare(lock, kList, lines) && list_file::replace(lock, kList)) {
+    return Outcome::kDone;
   }
   log::error("fopen /tmp/parental_list for del error!\n");
-  return list_file::Outcome::kNotWritten;
+  return Outcome::kNotWritten;
 }
 
 // ---- getparentalinfo
@@ -111,14 +122,20 @@ int change_rules(const Request& request) {
     log::refused("setparentalinfo");
     return kFailed;
   }
-  const list_file::ChangeLock lock;
+  std::vector<std::string> names;
   for (const char* member : {"alias", "alias_old"}) {
-    // A rule that stays must not get another beside it.
-    const auto outcome = remove_rules(lock, names::encode(request.text(member).value_or("")));
-    if (outcome == list_file::Outcome::kNotWritten) return kFailed;
+    names.push_back(names::encode(request.text(member).value_or("")));
   }
-  if (!adds) return kDone;
-  if (list_file::append(lock, kList, print(*rule)) == list_file::Outcome::kDone) return kDone;
+  const ChangeLock lock;
+  auto outcome = Outcome::kDone;
+  // The list is replaced once for each name; the first time does all there is to do.
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    outcome = replace_rules(lock, names, rule);
+    if (outcome == Outcome::kNotWritten) return kFailed;
+  }
+  if (!adds || outcome == Outcome::kDone) return kDone;
+  if (outcome == Outcome::kNotRead) return kFailed;
+  if (list_file::append(lock, kList, print(*rule)) == Outcome::kDone) return kDone;
   log::error("fopen /etc/parental_list for add error!\n");
   return kFailed;
 }
@@ -154,8 +171,7 @@ int parental_name_exist(const char* alias) {
 int parental_name_del(const char* alias) {
   if (alias == nullptr) return 0;
   return guarded(0, [&] {
-    const auto outcome = remove_rules(list_file::ChangeLock(), alias);
-    return outcome == list_file::Outcome::kDone ? 1 : 0;
+    return replace_rules(ChangeLock(), {alias}, std::nullopt) == Outcome::kDone ? 1 : 0;
   });
 }
 

@@ -1,5 +1,6 @@
 #include "api/files.h"
 
+#include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -41,14 +42,21 @@ bool write_all(const char* path, std::string_view content, const char* mode) {
   return std::fclose(file.release()) == 0 && written;
 }
 
+bool flush(const char* path) {
+  const int descriptor = ::open(path, O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool flushed = fsync(descriptor) == 0;
+  return close(descriptor) == 0 && flushed;
+}
+
 void remove(const char* path) {
   unlink(path);
 }
 
-Lock::Lock(std::FILE* file) : descriptor_(fileno(file)) {
+Lock::Lock(std::FILE* file, Kind kind) : descriptor_(fileno(file)) {
   int status = 0;
   do {
-    status = flock(descriptor_, LOCK_EX);
+    status = flock(descriptor_, kind == Kind::kShared ? LOCK_SH : LOCK_EX);
   } while (status != 0 && errno == EINTR);
   if (status != 0) descriptor_ = -1;
 }

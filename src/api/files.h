@@ -28,13 +28,18 @@ std::optional<std::string> read_all(const char* path);
 // Gives a file, new or old, this content; false when not all of it could be written.
 bool write_all(const char* path, std::string_view content, const char* mode = "we");
 
+// Has the disk itself hold the file, or the folder, as it is; a power cut takes the rest.
+bool flush(const char* path);
+
 void remove(const char* path);
 
-// An exclusive lock on an open file, waited for, from construction to destruction. Declare it after
-// the file: the file must outlive it.
+// A lock on an open file, waited for, from construction to destruction. Declare it after the file:
+// the file must outlive it.
 class Lock {
  public:
-  explicit Lock(std::FILE* file);
+  enum class Kind { kExclusive, kShared };
+
+  explicit Lock(std::FILE* file, Kind kind = Kind::kExclusive);
   ~Lock();
   Lock(const Lock&) = delete;
   Lock& operator=(const Lock&) = delete;

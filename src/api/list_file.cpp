@@ -1,7 +1,11 @@
 #include "api/list_file.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <limits>
 
 #include "api/shell.h"
@@ -11,6 +15,7 @@ namespace zelto::list_file {
 namespace {
 
 constexpr const char* kLockFile = "/etc/zelto_list_lock_file";
+constexpr const char* kFolder = "/etc";
 constexpr std::size_t kAnyLength = std::numeric_limits<std::size_t>::max();
 
 bool ends_within_a_line(const char* path) {
@@ -30,6 +35,22 @@ std::optional<std::vector<std::string>> read_records(const ListFile& list, bool 
   return records;
 }
 
+// Before the first change there is no lock file, and nothing to wait for.
+class ReadLock {
+ public:
+  ReadLock() : file_(files::open(kLockFile)) {
+    if (file_) lock_.emplace(file_.get(), files::Lock::Kind::kShared);
+  }
+
+ private:
+  files::File file_;
+  std::optional<files::Lock> lock_;
+};
+
+Outcome written(const ListFile& list) {
+  return files::flush(list.path) && files::flush(kFolder) ? Outcome::kDone : Outcome::kNotWritten;
+}
+
 bool is_control(char c) {
   return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
 }
@@ -40,33 +61,56 @@ ChangeLock::ChangeLock() : file_(files::open(kLockFile, "ae")) {
   if (file_) lock_.emplace(file_.get());
 }
 
+void ChangeLock::share_with_commands(bool shared) const {
+  if (file_) fcntl(fileno(file_.get()), F_SETFD, shared ? 0 : FD_CLOEXEC);
+}
+
 std::optional<std::vector<std::string>> read(const ListFile& list) {
+  const ReadLock lock;
+  return read_records(list, /*is_whole=*/false);
+}
+
+std::optional<std::vector<std::string>> read(const ChangeLock& /*lock*/, const ListFile& list) {
   return read_records(list, /*is_whole=*/false);
 }
 
 std::optional<std::vector<std::string>> read_whole(const ListFile& list) {
+  const ReadLock lock;
+  return read_records(list, /*is_whole=*/true);
+}
+
+std::optional<std::vector<std::string>> read_whole(const ChangeLock& /*lock*/,
+                                                   const ListFile& list) {
   return read_records(list, /*is_whole=*/true);
 }
 
 Outcome append(const ChangeLock& lock, const ListFile& list, const std::string& record) {
+  if (!lock.held()) return Outcome::kNotWritten;
   const std::string before = ends_within_a_line(list.path) ? "\n" : "";
-  const bool written = lock.held() && files::write_all(list.path, before + record + "\n", "ae");
-  return written ? Outcome::kDone : Outcome::kNotWritten;
+  std::error_code error;
+  const auto size = std::filesystem::file_size(list.path, error);
+  if (files::write_all(list.path, before + record + "\n", "ae")) return written(list);
+  // What is left of the record would be read as another one.
+  if (!error) std::filesystem::resize_file(list.path, size, error);
+  return Outcome::kNotWritten;
 }
 
 Outcome add_once(const ChangeLock& lock, const ListFile& list, const std::string& record) {
-  const auto records = read(list);
+  const auto records = read(lock, list);
   if (!records) return Outcome::kNotRead;
   if (std::find(records->begin(), records->end(), record) != records->end()) return Outcome::kDone;
   return append(lock, list, record);
 }
 
 Outcome rewrite(const ChangeLock& lock, const ListFile& list,
-                const std::function<bool(const std::string&)>& keep) {
+                const std::function<bool(const std::string&)>& keep,
+                const std::optional<std::string>& added) {
   auto records = read_records(list, list.rewrites_whole);
-  if (!records) return Outcome::kNotRead;
+  if (!records) return errno == ENOENT ? Outcome::kMissing : Outcome::kNotRead;
   std::erase_if(*records, [&](const std::string& record) { return !keep(record); });
-  return prepare(lock, list, *records) && replace(list) ? Outcome::kDone : Outcome::kNotWritten;
+  if (added) records->push_back(*added);
+  const bool replaced = prepare(lock, list, *records) && replace(lock, list);
+  return replaced ? Outcome::kDone : Outcome::kNotWritten;
 }
 
 bool prepare(const ChangeLock& lock, const ListFile& list,
@@ -78,8 +122,15 @@ bool prepare(const ChangeLock& lock, const ListFile& list,
   return false;
 }
 
-bool replace(const ListFile& list) {
-  return shell::run(list.replacement) == 0;
+bool replace(const ChangeLock& lock, const ListFile& list) {
+  const auto old = files::read_all(list.path);
+  lock.share_with_commands(true);
+  const bool moved = old && shell::run(list.replacement) == 0;
+  lock.share_with_commands(false);
+  if (moved) return written(list) == Outcome::kDone;
+  if (old && files::read_all(list.path) != old) files::write_all(list.path, *old);
+  files::remove(list.work_path);
+  return false;
 }
 
 bool is_word(std::string_view text, std::size_t longest) {

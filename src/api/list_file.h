@@ -1,8 +1,8 @@
 // The library's own lists: text files of one record a line, shared with other programs.
 //
 // Every change holds one lock, the same for all lists, from the reading to the replacing, so two
-// requests at once lose nothing of each other. Readers take none: a list grows by whole lines and
-// is replaced by mv, at once where the work file is on the same file system.
+// requests at once lose nothing of each other. Readers share it: while the command that replaces a
+// list is under way, the list may be missing, or be there in part.
 #pragma once
 
 #include <cstddef>
@@ -33,34 +33,43 @@ class ChangeLock {
 
   bool held() const { return lock_ && lock_->held(); }
 
+  // While shared, a command that is run holds the lock as well, to its end: it goes on when this
+  // process is killed, and whoever comes next must not meet it.
+  void share_with_commands(bool shared) const;
+
  private:
   files::File file_;
   std::optional<files::Lock> lock_;
 };
 
 // The records in order, each without its line's last character, which is taken for the line end.
-// Nothing when the file cannot be opened.
+// Nothing when the file cannot be opened. Without a lock for whoever holds none.
 std::optional<std::vector<std::string>> read(const ListFile& list);
+std::optional<std::vector<std::string>> read(const ChangeLock& lock, const ListFile& list);
 
 // The same, but only a line feed is taken for a line end.
 std::optional<std::vector<std::string>> read_whole(const ListFile& list);
+std::optional<std::vector<std::string>> read_whole(const ChangeLock& lock, const ListFile& list);
 
-enum class Outcome { kDone, kNotRead, kNotWritten };
+enum class Outcome { kDone, kMissing, kNotRead, kNotWritten };
 
-// Adds a record at the end, in a line of its own. Creates the file when it is missing.
+// Adds a record at the end, in a line of its own, and has the disk hold it. Creates the file when
+// it is missing; leaves it as it was when not the whole record could be written.
 Outcome append(const ChangeLock& lock, const ListFile& list, const std::string& record);
 
 // The same, unless the list has the record already. The file must exist.
 Outcome add_once(const ChangeLock& lock, const ListFile& list, const std::string& record);
 
-// Keeps the records that `keep` wants; lines that are no records go as well.
+// Keeps the records that `keep` wants; lines that are no records go as well. `added` comes behind
+// them: so a record is replaced without a moment in which the list has neither.
 Outcome rewrite(const ChangeLock& lock, const ListFile& list,
-                const std::function<bool(const std::string&)>& keep);
+                const std::function<bool(const std::string&)>& keep,
+                const std::optional<std::string>& added = std::nullopt);
 
 // The two halves of a rewrite, for what must happen in between. prepare() leaves nothing behind
-// when it fails.
+// when it fails; replace() puts the old list back when the command has failed half way.
 bool prepare(const ChangeLock& lock, const ListFile& list, const std::vector<std::string>& records);
-bool replace(const ListFile& list);
+bool replace(const ChangeLock& lock, const ListFile& list);
 
 // Whether a text can stand as one word of a record: neither empty nor longer than `longest`, and
 // without blanks or control characters.

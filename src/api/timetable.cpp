@@ -37,8 +37,10 @@ int add(const Timetable& table, const std::string& record) {
 int remove(const Timetable& table, const std::string& record) {
   const auto outcome = list_file::rewrite(list_file::ChangeLock(), table.file,
                                           [&](const auto& other) { return other != record; });
-  if (outcome == list_file::Outcome::kNotRead) return report_read(table);
-  return report(outcome, table.file.work_path, "write");
+  if (outcome == list_file::Outcome::kNotWritten) {
+    return report(outcome, table.file.work_path, "write");
+  }
+  return outcome == list_file::Outcome::kDone ? kDone : report_read(table);
 }
 
 }  // namespace

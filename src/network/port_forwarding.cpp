@@ -84,11 +84,18 @@ std::string print(const Rule& rule) {
   return line;
 }
 
-Outcome remove_lines(const ChangeLock& lock, const std::string& name) {
-  const auto outcome = list_file::rewrite(
-      lock, kRules, [&](const std::string& record) { return name_of(record) != name; });
-  if (outcome == Outcome::kNotRead) log::error("fopen /etc/port_forward_list for del error!\n");
-  if (outcome == Outcome::kNotWritten) log::error("fopen /tmp/port_forward_list for del error!\n");
+// Takes the lines of some names away and puts a new one, if there is one, at the end.
+Outcome replace_lines(const ChangeLock& lock, const std::vector<std::string>& names,
+                      const std::optional<std::string>& fresh) {
+  const auto is_of_other = [&](const std::string& record) {
+    return std::find(names.begin(), names.end(), name_of(record)) == names.end();
+  };
+  const auto outcome = list_file::rewrite(lock, kRules, is_of_other, fresh);
+  if (outcome == Outcome::kNotWritten) {
+    log::error("fopen /tmp/port_forward_list for del error!\n");
+  } else if (outcome != Outcome::kDone) {
+    log::error("fopen /etc/port_forward_list for del error!\n");
+  }
   return outcome;
 }
 
@@ -218,14 +225,18 @@ void change_rules(const Request& request, Reply& reply) {
     return reply.result(kFailed);
   }
   const auto names = names_to_remove(request);
+  const auto line = adds ? std::optional(print(*rule)) : std::nullopt;
   const ChangeLock lock;
-  for (const auto& name : names) {
-    // A copy that stays must not get another beside it.
-    if (remove_lines(lock, name) == Outcome::kNotWritten) return reply.result(kFailed);
+  auto outcome = Outcome::kDone;
+  // The list is replaced once for each name; the first time does all there is to do.
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    outcome = replace_lines(lock, names, line);
+    if (outcome == Outcome::kNotWritten) return reply.result(kFailed);
   }
   for (const auto& name : names) remove_sections(name);
   if (adds) {
-    if (list_file::append(lock, kRules, print(*rule)) != Outcome::kDone) {
+    if (outcome == Outcome::kMissing) outcome = list_file::append(lock, kRules, *line);
+    if (outcome != Outcome::kDone) {
       log::error("fopen /etc/port_forward_list for add error!\n");
       return reply.result(kFailed);
     }
@@ -257,7 +268,9 @@ int forward_name_exist(const char* name) {
 
 int forward_name_del(const char* name) {
   if (name == nullptr) return 0;
-  return guarded(0, [&] { return remove_lines(ChangeLock(), name) == Outcome::kDone ? 1 : 0; });
+  return guarded(0, [&] {
+    return replace_lines(ChangeLock(), {name}, std::nullopt) == Outcome::kDone ? 1 : 0;
+  });
 }
 
 int get_new_redirect_id() {

@@ -151,7 +151,7 @@ int apply(const ChangeLock& lock, const Plan& plan) {
     files::remove(kLimits.work_path);
     return kFailed;
   }
-  return list_file::replace(kLimits) ? kDone : kFailed;
+  return list_file::replace(lock, kLimits) ? kDone : kFailed;
 }
 
 bool is_acceptable(const Limit& limit) {
@@ -175,7 +175,7 @@ int change(const Request& request) {
     return kFailed;
   }
   const ChangeLock lock;
-  const auto records = list_file::read_whole(kLimits);
+  const auto records = list_file::read_whole(lock, kLimits);
   if (!records) {
     log::error("fopen /etc/qos_limit_list failed!\n");
     return kFailed;
