@@ -1,5 +1,5 @@
 // What the tests share: a router of its own for each, and a browser whose every complaint fails the
-// test. Begun by run.mjs as: PROGRAMS is where zelto-board is, FOLDER where packages and pictures go.
+// test. Its two words are those of the script `run`.
 import assert from 'node:assert/strict';
 import { spawn, spawnSync } from 'node:child_process';
 import { once } from 'node:events';
@@ -10,7 +10,8 @@ import { join } from 'node:path';
 import { createInterface } from 'node:readline';
 import { test } from 'node:test';
 
-export const [programs, folder] = process.argv.slice(2);
+const [programs, folder] = process.argv.slice(2);
+export const pictures = join(folder, 'pages');
 export const installed = createRequire(join(folder, 'packages.js'));
 const { chromium } = installed('playwright-core');
 
@@ -38,10 +39,7 @@ async function boot(options) {
     rmSync(place, { recursive: true, force: true });
   };
   running.add(end);
-  const run = (argument, input) => {
-    const { status, stdout, stderr } = spawnSync(program, ['--programs-dir', programs, argument], { input, encoding: 'utf8' });
-    return { status, stdout, stderr };
-  };
+  const run = (argument, input) => spawnSync(program, ['--programs-dir', programs, argument], { input, encoding: 'utf8' });
   const router = {
     /** The reply to a request that goes past the gateway. */
     ask: (request) => JSON.parse(run(JSON.stringify(request), '').stdout.split('\n')[0]),
@@ -52,6 +50,8 @@ async function boot(options) {
       return stdout.trim();
     },
     uci: (option) => router.shell(`uci get ${option}`),
+    /** The records of who is logged in. */
+    sessions: () => router.shell('ls /tmp/zelto-gateway 2>/dev/null | grep session- || true'),
     async end() {
       const ended = board.exitCode === null && once(board, 'exit');
       end();
@@ -67,7 +67,7 @@ async function boot(options) {
   return router;
 }
 
-/** Notes all that must not happen: errors, violations of the policy, requests to elsewhere. */
+/** Notes all that must not happen: errors, warnings, violations of the policy. */
 async function watch(context, faults) {
   await context.addInitScript(() => document.addEventListener('securitypolicyviolation', (event) =>
     console.error(`policy: ${event.violatedDirective} ${event.blockedURI} ${event.sample}`)));
@@ -111,22 +111,26 @@ export function flow(name, { board = [], fresh, names, expected = /^$/, ...optio
   });
 }
 
-export async function logIn(page, { url }, password = 'admin') {
-  if (!page.url().startsWith(url)) await page.goto(url);
-  await page.getByLabel('Administrator password').fill(password);
-  await page.getByRole('button', { name: 'Log in' }).click();
+export const heading = (page, name) => page.getByRole('heading', { level: 1, name });
+export const see = (place, text) => place.getByText(text).first().waitFor();
+export const press = (place, name) => place.getByRole('button', { name, exact: true }).click();
+export async function fillIn(place, texts) {
+  for (const [label, text] of Object.entries(texts)) await place.getByLabel(label).first().fill(text);
 }
 
-/** Logs in and opens a page; gives its card of that id, once it has loaded. */
-export async function open(page, router, route, card) {
+export async function logIn(page, { url }, password = 'admin') {
+  if (!page.url().startsWith(url)) await page.goto(url);
+  await fillIn(page, { 'Administrator password': password });
+  await press(page, 'Log in');
+}
+
+/** Logs in and opens a page; gives its card of that id. */
+export async function open(page, router, route = 'overview', card = 'names') {
   await logIn(page, router);
-  await page.getByRole('heading', { level: 1, name: 'Overview' }).waitFor();
+  await heading(page, 'Overview').waitFor();
   await page.goto(`${router.url}#/${route}`);
   return page.locator(`#${card}`);
 }
-
-export const press = (place, name) => place.getByRole('button', { name, exact: true }).click();
-export const saved = (page) => page.locator('.toast', { hasText: 'Saved' }).first().waitFor();
 
 /** Waits until `look` finds what is wanted, for what the router does beside its answer. */
 export async function eventually(look) {
@@ -139,10 +143,10 @@ export async function eventually(look) {
  * request is under way, whose time limit would pass.
  */
 export async function hurryUntil(page, locator) {
-  const under_way = new Set();
-  const begun = (request) => under_way.add(request);
-  const over = (request) => under_way.delete(request);
+  const pending = new Set();
+  const begun = (request) => pending.add(request);
+  const over = (request) => pending.delete(request);
   page.on('request', begun).on('requestfinished', over).on('requestfailed', over);
-  while (!(await locator.isVisible())) if (under_way.size === 0) await page.clock.fastForward(500);
+  while (!(await locator.isVisible())) if (pending.size === 0) await page.clock.fastForward(500);
   page.off('request', begun).off('requestfinished', over).off('requestfailed', over);
 }
