@@ -16,13 +16,13 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <map>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -147,32 +147,20 @@ const Interface* find_interface(const std::string& name) {
   return found == kInterfaces.end() ? nullptr : &*found;
 }
 
-// The kernel's way to name an IPv6 address of an interface in a request.
-struct Ipv6Request {
-  in6_addr address;
-  uint32_t prefix_length;
-  int interface_index;
-};
-
 // None has one after boot.
 void remove_ipv6_addresses(const std::string& interface) {
-  const Descriptor socket(::socket(AF_INET6, SOCK_DGRAM | SOCK_CLOEXEC, 0));
   ifaddrs* list = nullptr;
-  if (!socket.valid() || getifaddrs(&list) < 0) throw system_failure("IPv6 addresses");
+  if (getifaddrs(&list) < 0) throw system_failure("IPv6 addresses");
+  bool has_one = false;
   for (const ifaddrs* item = list; item != nullptr; item = item->ifa_next) {
-    if (item->ifa_addr == nullptr || item->ifa_addr->sa_family != AF_INET6) continue;
-    if (interface != item->ifa_name) continue;
-    sockaddr_in6 address{};
-    sockaddr_in6 mask{};
-    std::memcpy(&address, item->ifa_addr, sizeof address);
-    std::memcpy(&mask, item->ifa_netmask, sizeof mask);
-    Ipv6Request request{address.sin6_addr, 0, static_cast<int>(if_nametoindex(item->ifa_name))};
-    for (const uint8_t byte : mask.sin6_addr.s6_addr) {
-      request.prefix_length += static_cast<uint32_t>(std::popcount(byte));
-    }
-    if (ioctl(socket.get(), SIOCDIFADDR, &request) < 0) throw system_failure("SIOCDIFADDR");
+    has_one |= item->ifa_addr != nullptr && item->ifa_addr->sa_family == AF_INET6 &&
+               interface == item->ifa_name;
   }
   freeifaddrs(list);
+  if (!has_one) return;
+  if (quiet({"ip", "-6", "address", "flush", "dev", interface}) != 0) {
+    throw std::runtime_error("cannot remove the IPv6 addresses of " + interface);
+  }
 }
 
 // Every byte of an address counts, whatever its family.

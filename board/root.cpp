@@ -115,7 +115,10 @@ int add_loaded_library(dl_phdr_info* info, size_t, void* libraries) {
 
 // Asks the dynamic loader, which this process has among its libraries, what `program` loads.
 void add_libraries_of(const std::string& program, Libraries& libraries) {
-  const auto is_loader = [](const auto& library) { return library.first.starts_with("ld-"); };
+  // ld-linux and more words on most machines, ld.so.1 on MIPS.
+  const auto is_loader = [](const auto& library) {
+    return library.first.starts_with("ld-") || library.first.starts_with("ld.");
+  };
   const auto loader = std::ranges::find_if(libraries, is_loader);
   if (loader == libraries.end()) return;
   std::istringstream lines(output_of({loader->second, "--list", program}));
