@@ -199,7 +199,8 @@ TEST_F(Gateway, EndsSessionsAfterAWhile) {
     age(token, login, use);
     EXPECT_EQ(send(kRead, cookie(token)).verdict, "401 no_session") << login;
   }
-  EXPECT_EQ(board::read_file("/tmp/token"), token_of(log_in()) + "\n") << "the old one is swept";
+  const std::string fresh = token_of(log_in());
+  EXPECT_EQ(board::read_file("/tmp/token"), fresh + "\n") << "the old one is swept";
 }
 
 TEST_F(Gateway, LetsNobodyIntoARouterWithoutAnAccount) {
