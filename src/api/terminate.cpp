@@ -5,7 +5,8 @@
 
 namespace __gnu_cxx {
 
-void __verbose_terminate_handler();
+// Used: optimisation of the whole sees no caller, for the C++ library is none of its objects.
+__attribute__((used)) void __verbose_terminate_handler();
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the C++ library's own name for it
 void __verbose_terminate_handler() {

@@ -25,6 +25,8 @@ TEST_F(Machine, KnowsTimesAfter2038) {
   constexpr timespec kYear2100[] = {{4'102'444'800, 0}, {4'102'444'800, 0}};
   ASSERT_EQ(utimensat(AT_FDCWD, "/etc/config/system", kYear2100, 0), 0);
   EXPECT_THAT(ask(R"({"type":"getlanguage"})"), testing::Not(testing::HasSubstr(R"("result":1)")));
+  // The virtual router itself is built on a C++ library that may not know such times.
+  ASSERT_EQ(utimensat(AT_FDCWD, "/etc/config/system", nullptr, 0), 0);
   board::write_file("/tmp/terminal_list", "192.168.10.2 M 4000000000 3 4 eth0 phone 8 9\n");
   EXPECT_THAT(ask(R"({"type":"getterminallist"})"),
               testing::HasSubstr(R"("link_time":"1-7:6:40")"));
