@@ -49,7 +49,8 @@ std::optional<ScanRecord> Parser::parse(std::string_view line) {
     return std::nullopt;
   }
   if (line.size() <= columns_.rest) return std::nullopt;
-  const auto ssid = cut_ssid(line.substr(columns_.ssid, kSsidColumns));
+  const auto name = cut_ssid(line.substr(columns_.ssid, kSsidColumns));
+  const auto ssid = text::in_buffer(name.data(), name.size());
   const auto channel = number(Words(line.substr(columns_.channel)).next());
   Words rest(line.substr(columns_.rest));
   const auto bssid = rest.next();
