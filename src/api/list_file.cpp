@@ -1,13 +1,15 @@
 #include "api/list_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <limits>
 
+#include "api/log.h"
 #include "api/shell.h"
 #include "api/text.h"
 
@@ -87,11 +89,13 @@ std::optional<std::vector<std::string>> read_whole(const ChangeLock& /*lock*/,
 Outcome append(const ChangeLock& lock, const ListFile& list, const std::string& record) {
   if (!lock.held()) return Outcome::kNotWritten;
   const std::string before = ends_within_a_line(list.path) ? "\n" : "";
-  std::error_code error;
-  const auto size = std::filesystem::file_size(list.path, error);
+  struct stat old {};
+  const bool is_known = stat(list.path, &old) == 0;
   if (files::write_all(list.path, before + record + "\n", "ae")) return written(list);
   // What is left of the record would be read as another one.
-  if (!error) std::filesystem::resize_file(list.path, size, error);
+  if (is_known && truncate(list.path, old.st_size) < 0) {
+    log::error("the end of " + std::string(list.path) + " cannot be taken back!\n");
+  }
   return Outcome::kNotWritten;
 }
 
