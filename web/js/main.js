@@ -157,4 +157,6 @@ async function start() {
 }
 
 window.addEventListener('hashchange', () => render({ focus: true }));
-start();
+// Shown within a page of another port of this router's address it would have a session there, and
+// be clicked on unseen.
+if (window.top === window.self) start();
