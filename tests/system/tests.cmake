@@ -1,1 +1,2 @@
-zelto_test(system_test system/login_test.cpp system/status_test.cpp)
+zelto_test(system_test system/login_test.cpp system/status_test.cpp system/firmware_test.cpp
+           system/maintenance_test.cpp)
