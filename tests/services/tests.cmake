@@ -1,0 +1,1 @@
+zelto_test(services_test services/services_test.cpp)

@@ -1,0 +1,1 @@
+zelto_test(storage_test storage/accounts_test.cpp storage/disks_test.cpp)
