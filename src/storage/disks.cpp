@@ -98,7 +98,9 @@ bool replace(const std::string& path, const std::string& content) {
   if (descriptor < 0) return false;
   const auto written = ::write(descriptor, content.data(), content.size());
   const bool is_whole = written == static_cast<ssize_t>(content.size()) && fsync(descriptor) == 0;
-  if (close(descriptor) == 0 && is_whole && rename(beside.c_str(), path.c_str()) == 0) return true;
+  if (close(descriptor) == 0 && is_whole && rename(beside.c_str(), path.c_str()) == 0) {
+    return files::flush(path.substr(0, path.rfind('/')).c_str());
+  }
   unlink(beside.c_str());
   return false;
 }
