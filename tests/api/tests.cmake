@@ -1,7 +1,7 @@
 zelto_test(frame_test api/frame_test.cpp)
 zelto_test(utilities_test api/utilities_test.cpp)
 zelto_test(fields_test api/fields_test.cpp)
-zelto_test(threads_test api/threads_test.cpp)
+zelto_test(threads_test api/threads_test.cpp reliability/many_at_once_test.cpp)
 
 # Reads replies as a browser does, and takes the commands' members from the catalogue.
 zelto_test(hostile_test api/hostile_test.cpp ${PROJECT_SOURCE_DIR}/src/api/text.cpp)

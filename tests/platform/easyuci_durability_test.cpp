@@ -1,6 +1,5 @@
-// The configuration store under rivals, foreign edits, full disks and kills.
+// The configuration store under rivals, foreign edits and full disks.
 #include <gmock/gmock.h>
-#include <signal.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -144,28 +143,6 @@ TEST_F(EasyUciFile, AFullFileSystemLeavesTheOldFileWhole) {
   EXPECT_THAT(board::journal(), IsEmpty());
   EXPECT_EQ(set("s", "o", "new"), 0);
   EXPECT_EQ(::umount(kFolder.c_str()), 0);
-}
-
-TEST_F(EasyUciFile, AWriterKilledAtAnyMomentLeavesAWholeFile) {
-  constexpr int kRounds = 150;
-  const std::string values[] = {std::string(9000, 'a'), std::string(3, 'b')};
-  ASSERT_EQ(add("t", "first"), 0);
-  ASSERT_EQ(add("t", "last"), 0);
-  ASSERT_EQ(set("first", "o", values[0]), 0);
-  ASSERT_EQ(set("last", "o", "kept"), 0);
-  for (int round = 0; round < kRounds; ++round) {
-    const pid_t writer = spawn([&] {
-      for (int turn = 0;; ++turn) set("first", "o", values[turn % 2]);
-      return false;
-    });
-    ::usleep(static_cast<useconds_t>(37 * round % 3000));
-    ASSERT_EQ(::kill(writer, SIGKILL), 0);
-    ASSERT_TRUE(WIFSIGNALED(status_of(writer)));
-    ASSERT_THAT(get("first", "o"), testing::AnyOf(values[0], values[1]));
-    ASSERT_EQ(get("last", "o"), "kept");
-    ASSERT_EQ(set("last", "round", std::to_string(round)), 0) << "lock or temporary in the way";
-  }
-  EXPECT_THAT(files_beside_probe(), ElementsAre(".probe.lock"));
 }
 
 }  // namespace
