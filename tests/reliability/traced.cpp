@@ -67,11 +67,11 @@ class Tracer {
                  PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL | follow));
     traced_.insert(first_);
     resume(first_, 0);
-    while (!traced_.empty()) {
+    while (true) {
       const pid_t process = waitpid(-1, &status, __WALL);
       if (process > 0) handle(process, status);
+      if (process < 0 && errno == ECHILD) return run_;
     }
-    return run_;
   }
 
  private:
@@ -87,22 +87,13 @@ class Tracer {
       return;
     }
     traced_.insert(process);
-    note_child(process, status >> 16);
+    // Was being started when everything ended.
+    if (all_killed_) return static_cast<void>(kill(process, SIGKILL));
     const int signal = WSTOPSIG(status);
     if (signal == (SIGTRAP | 0x80)) return at_call(process);
     // Stops that the tracing makes itself are no signals of the process.
     const bool is_own = (status >> 16) != 0 || signal == SIGSTOP;
     resume(process, is_own ? 0 : signal);
-  }
-
-  // Before it is seen itself: its parent, the last one so far, may end at once.
-  void note_child(pid_t process, int event) {
-    if (event != PTRACE_EVENT_FORK && event != PTRACE_EVENT_VFORK && event != PTRACE_EVENT_CLONE) {
-      return;
-    }
-    unsigned long child = 0;
-    check(ptrace(PTRACE_GETEVENTMSG, process, 0, &child));
-    traced_.insert(static_cast<pid_t>(child));
   }
 
   void at_call(pid_t process) {
@@ -115,6 +106,7 @@ class Tracer {
     if (call.op == PTRACE_SYSCALL_INFO_ENTRY && harm_.counts(call)) {
       const int number = run_.calls++;
       if (number == at_ && harm_.error == 0) {
+        all_killed_ = true;
         for (const pid_t one : traced_) kill(one, SIGKILL);
         return;
       }
@@ -137,6 +129,7 @@ class Tracer {
   pid_t first_ = 0;
   std::set<pid_t> traced_;
   std::set<pid_t> failing_;
+  bool all_killed_ = false;
   Run run_;
 };
 
