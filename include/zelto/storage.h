@@ -11,11 +11,11 @@
  * passwords and paths that would be refused count as missing, and so do files that are links or
  * anything else than files. When writing fails the old file stays as it was.
  *
- * Checks. A user is one word of letters, digits, "_", "-" and ".", not beginning with "-", of at
- * most 32 characters, and no account of the system's own (a user id below 1000 or above 60000). A
- * password has 1 to 511 characters, none of them a control character, and is none of echo's options
- * (-n, -e, -E). A path begins with /mnt/, has at most 511 characters, none of them a control
- * character, and no component "..".
+ * Checks. A user is one word of letters, digits, "_", "-" and ".", not beginning with "-" and not
+ * of digits and "." alone, of at most 32 characters, and no account of the system's own (a user id
+ * below 1000 or above 60000). A password has 1 to 511 characters, none of them a control character,
+ * and is none of echo's options (-n, -e, -E). A path begins with /mnt/, has at most 511 characters,
+ * none of them a control character, and no component "..".
  */
 #pragma once
 

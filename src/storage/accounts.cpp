@@ -46,7 +46,9 @@ bool is_account(const disks::Lines& lines) {
 }  // namespace
 
 bool is_user(std::string_view user) {
-  return !user.empty() && user.size() <= kLongestUser && user.front() != '-' &&
+  // Without a letter it could be taken for an id or a folder: useradd refuses such names.
+  return user.find_first_not_of("0123456789.") != std::string_view::npos &&
+         user.size() <= kLongestUser && user.front() != '-' &&
          std::all_of(user.begin(), user.end(), is_portable) && !is_of_system(user);
 }
 

@@ -16,8 +16,8 @@ struct Account {
 namespace accounts {
 
 // Whether a service may have an account of this name: one word of letters, digits, "_", "-" and
-// ".", at most 32 characters, and none of the system's own accounts. An account that is set is
-// deleted one day.
+// ".", none that useradd refuses, at most 32 characters, and none of the system's own accounts. An
+// account that is set is deleted one day.
 bool is_user(std::string_view user);
 
 // Whether a password can be kept, and reaches the commands that set it as it is.

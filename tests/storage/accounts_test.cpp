@@ -37,8 +37,9 @@ TEST_F(Accounts, PasswordsArriveAsTheyAre) {
 TEST_F(Accounts, NamesAndPasswordsThatAreRefused) {
   for (const std::string& user :
        {std::string(), std::string("-x"), std::string("a b"), std::string("a;b"),
-        std::string("a$b"), std::string("a:b"), std::string("../a"), std::string("\xC3\xBC"),
-        std::string(33, 'u'), std::string("root"), std::string("nobody")}) {
+        std::string("a$b"), std::string("a:b"), std::string("../a"), std::string("1000"),
+        std::string(".."), std::string("\xC3\xBC"), std::string(33, 'u'), std::string("root"),
+        std::string("nobody")}) {
     expect(set_ftp(user, "p"), result("setftpcfg", 1), "");
     expect(set_samba(user, "p"), result("setsambacfg", 1), "");
     // Nor is one deleted that a disk brings along.
