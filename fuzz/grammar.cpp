@@ -37,13 +37,13 @@ const cJSON* kind_of_value(const char* kind) {
   return cJSON_GetObjectItem(values.get(), kind);
 }
 
-std::string one_text(Random& random, const char* kind = "texts") {
+std::string one_text(Random& random, const char* kind) {
   return cJSON_GetStringValue(one_of(random, kind_of_value(kind)));
 }
 
 cJSON* any_value(Random& random) {
-  const char* kind = below(random, 4) == 0 ? "others" : "texts";
-  return cJSON_Duplicate(one_of(random, kind_of_value(kind)), 1);
+  constexpr const char* kKinds[] = {"hostile", "hostile", "texts", "others"};
+  return cJSON_Duplicate(one_of(random, kind_of_value(kKinds[below(random, 4)])), 1);
 }
 
 cJSON* object_of(Random& random, const cJSON* members, const cJSON* example);
@@ -93,10 +93,11 @@ std::string new_request(Random& random) {
 std::string new_setting(Random& random) {
   const auto choice = below(random, 4);
   if (choice == 0) return one_text(random, "settings");
-  if (choice == 1) return "!" + one_text(random);
+  if (choice == 1) return "!" + one_text(random, "texts");
   std::string line = choice == 2 ? ">" : one_text(random, "files") + " ";
   for (auto words = 1 + below(random, 16); words > 0; --words) {
-    line += one_text(random) + (below(random, 5) == 0 ? "\\n" : " ");
+    line += one_text(random, below(random, 4) == 0 ? "hostile" : "texts") +
+            (below(random, 5) == 0 ? "\\n" : " ");
   }
   return line;
 }
