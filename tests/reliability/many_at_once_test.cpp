@@ -195,7 +195,7 @@ class ManyAtOnce : public zelto_test::RouterTest {
     std::istringstream limits(board::read_file("/etc/qos_limit_list"));
     for (std::string line; std::getline(limits, line);) marks.insert(line.substr(line.rfind(' ')));
     EXPECT_EQ(marks.size(), std::size_t{kFrontEnds});
-    std::printf("%d turns of 15 changes each\n", all);
+    std::printf("%d turns of 14 changes each\n", all);
   }
 };
 
