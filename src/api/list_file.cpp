@@ -57,6 +57,12 @@ bool is_control(char c) {
   return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
 }
 
+std::optional<off_t> size_of(const char* path) {
+  struct stat status {};
+  if (stat(path, &status) < 0) return std::nullopt;
+  return status.st_size;
+}
+
 }  // namespace
 
 ChangeLock::ChangeLock() : file_(files::open(kLockFile, "ae")) {
@@ -89,11 +95,10 @@ std::optional<std::vector<std::string>> read_whole(const ChangeLock& /*lock*/,
 Outcome append(const ChangeLock& lock, const ListFile& list, const std::string& record) {
   if (!lock.held()) return Outcome::kNotWritten;
   const std::string before = ends_within_a_line(list.path) ? "\n" : "";
-  struct stat old {};
-  const bool is_known = stat(list.path, &old) == 0;
+  const auto old_size = size_of(list.path);
   if (files::write_all(list.path, before + record + "\n", "ae")) return written(list);
   // What is left of the record would be read as another one.
-  if (is_known && truncate(list.path, old.st_size) < 0) {
+  if (old_size && size_of(list.path) != old_size && truncate(list.path, *old_size) < 0) {
     log::error("the end of " + std::string(list.path) + " cannot be taken back!\n");
   }
   return Outcome::kNotWritten;

@@ -103,6 +103,7 @@ export function flow(name, { board = [], fresh, names, expected = /^$/, ...optio
       assert.deepEqual(faults.filter((fault) => !expected.test(fault)), []);
     } catch (error) {
       await page.screenshot({ path: join(folder, 'failed', `${name}.png`), fullPage: true }).catch(() => {});
+      console.error(`${name}: the router did\n${router.shell('tail -n 40 /run/board/journal /var/log/messages')}`);
       throw error;
     } finally {
       await (names ? browser : context).close();
