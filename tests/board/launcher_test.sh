@@ -71,6 +71,7 @@ expect 'no page' 1 "$(status_of board --web-dir "$place")"
 
 # start_router ARGUMENT...: one that stays up, until end_router.
 start_router() {
+  : > "$place/up"  # what an earlier one said is not this one's
   "$place/bin/zelto-board" --programs-dir "$programs" "$@" > "$place/up" 2>&1 &
   up=$!
   tries=100
