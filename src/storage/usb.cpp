@@ -19,11 +19,15 @@ void add_state(const Request& /*request*/, Reply& reply) {
   reply.text("usbenable", mounts && !mounts->text.empty() ? "enable" : "disable");
 }
 
+std::string path_of(const std::string& disk, const std::string& folder) {
+  return disks::kMountPoints + disk + "/" + folder + "/";
+}
+
 void add_folders(const Request& /*request*/, Reply& reply) {
   auto list = reply.list("list");
   for (const auto& disk : disks::names().value_or(std::vector<std::string>())) {
     for (const auto& folder : disks::folders(disk)) {
-      list.add().text("usbpath", disks::kMountPoints + disk + "/" + folder + "/");
+      list.add().text("usbpath", path_of(disk, folder));
     }
   }
 }
