@@ -58,7 +58,7 @@ flow('renames the Wi-Fi', {}, async ({ page, router }) => {
   await press(card, 'Save');
   await goOn(page);
   await see(page, 'Saved');
-  assert.equal(router.ask({ type: 'getwlancfgall' }).configurations[0].wlanssid, 'Küche & "Garten"');
+  expectStored(router, { 'system.route.ssid_2g': 'Küche & "Garten"' });
   await page.reload();
   assert.equal(await name.inputValue(), 'Küche & "Garten"');
 });
