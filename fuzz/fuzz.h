@@ -38,8 +38,9 @@ std::size_t mutate_requests(char* data, std::size_t size, std::size_t longest, u
 // ---- what is around the library: fuzz/noting_shell.cpp takes the place of shell, modem, signals,
 // log and time
 
-// Whether noting has begun. Before, this process is not in the router.
-extern bool is_noting;
+// Whether noting has begun. Before, this process is not in the router. Not for the threads of
+// libFuzzer, which sleep.
+extern thread_local bool is_noting;
 // The "type" of the request that is being answered.
 extern std::string asked_type;
 

@@ -22,7 +22,7 @@
 
 namespace fuzz {
 
-bool is_noting = false;
+thread_local bool is_noting = false;
 std::string asked_type;
 
 namespace {
