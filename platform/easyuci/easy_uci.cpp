@@ -125,7 +125,7 @@ int easy_uci_delete_option(const char* package, const char* section, const char*
 int easy_uci_get_section_type(const char* package, const char* section, char* buffer, int length) {
   return done_when({package, section, buffer}, [=] {
     const auto snapshot = store().load(package);
-    const auto* found = snapshot ? snapshot->package().find(section) : nullptr;
+    const auto* found = snapshot ? snapshot->find(section) : nullptr;
     if (found == nullptr || length <= 0) return false;
     buffer[append_cut(buffer, 0, static_cast<size_t>(length) - 1, found->type)] = '\0';
     return true;

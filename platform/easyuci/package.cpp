@@ -75,11 +75,6 @@ std::vector<Section>::iterator Package::locate(std::string_view section) {
   return std::ranges::find(sections_, section, &Section::name);
 }
 
-const Section* Package::find(std::string_view section) const {
-  const auto found = std::ranges::find(sections_, section, &Section::name);
-  return found == sections_.end() ? nullptr : &*found;
-}
-
 Change Package::set_option(std::string_view section, std::string_view option,
                            std::string_view value) {
   const auto place = locate(section);

@@ -39,7 +39,6 @@ class Package {
   explicit Package(std::vector<Section> sections);
 
   const std::vector<Section>& sections() const { return sections_; }
-  const Section* find(std::string_view section) const;
 
   Change set_option(std::string_view section, std::string_view option, std::string_view value);
   Change delete_option(std::string_view section, std::string_view option);

@@ -42,6 +42,7 @@ bool is_settled(const FileStamp& stamp, int64_t now) {
 Snapshot::Snapshot(std::string text, Package package)
     : text_(std::move(text)), package_(std::move(package)) {
   for (const Section& section : package_.sections()) {
+    sections_.emplace(section.name, &section);
     for (const Option& option : section.options) {
       options_.emplace(Place(section.name, option.name), &option);
     }
@@ -52,6 +53,11 @@ size_t Snapshot::PlaceHash::operator()(const Place& place) const {
   constexpr size_t kFactor = 31;
   const std::hash<std::string_view> hash;
   return hash(place.first) * kFactor + hash(place.second);
+}
+
+const Section* Snapshot::find(std::string_view section) const {
+  const auto found = sections_.find(section);
+  return found == sections_.end() ? nullptr : found->second;
 }
 
 const Option* Snapshot::find(std::string_view section, std::string_view option) const {

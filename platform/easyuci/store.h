@@ -26,6 +26,7 @@ class Snapshot {
 
   const std::string& text() const { return text_; }
   const Package& package() const { return package_; }
+  const Section* find(std::string_view section) const;
   const Option* find(std::string_view section, std::string_view option) const;
 
  private:
@@ -36,6 +37,7 @@ class Snapshot {
 
   std::string text_;
   Package package_;
+  std::unordered_map<std::string_view, const Section*> sections_;
   std::unordered_map<Place, const Option*, PlaceHash> options_;
 };
 
