@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -208,11 +209,12 @@ std::string without_header(const std::string& message) {
   constexpr int kSeverities = 8;
   const size_t priority_end = message.find('>');
   if (!message.starts_with('<') || priority_end == std::string::npos) return message;
-  const int severity = std::atoi(message.c_str() + 1) % kSeverities;
+  int priority = 0;
+  std::from_chars(message.data() + 1, message.data() + priority_end, priority);
   size_t text = std::min(priority_end + 1 + kTimeSize, message.size());
   const size_t tag_end = message.find(": ", text);
   if (tag_end != std::string::npos) text = tag_end + 2;
-  return "<" + std::to_string(severity) + ">" + message.substr(text);
+  return "<" + std::to_string(priority % kSeverities) + ">" + message.substr(text);
 }
 
 }  // namespace

@@ -123,7 +123,6 @@ void move_traffic(Device& device) {
   constexpr long kFastestDown = 2000;
   constexpr long kDownToUp = 8;
   constexpr long kBytes = 1024;
-  // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): every router tells the same story.
   static std::minstd_rand random;
   std::uniform_int_distribution<long> speed(-kFastestDown, kFastestDown);
   device.down_speed = std::max(speed(random), 0L);

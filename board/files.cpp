@@ -49,7 +49,7 @@ std::string read_file(const std::string& path) {
   // A file of /proc may go away while it is being read; what was read until then is the answer.
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   std::string content;
-  std::array<char, 4096> block;
+  std::array<char, 4096> block{};
   ssize_t count = 0;
   while (file.valid() && (count = read(file.get(), block.data(), block.size())) != 0) {
     if (count < 0 && errno != EINTR) break;

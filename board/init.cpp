@@ -73,7 +73,7 @@ class LogReader {
   int descriptor() const { return socket_.get(); }
 
   void drain() {
-    std::array<char, 65536> message;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+    std::array<char, 65536> message{};
     ssize_t size = 0;
     while ((size = recv(socket_.get(), message.data(), message.size(), 0)) >= 0) {
       take({message.data(), static_cast<size_t>(size)});
@@ -124,7 +124,7 @@ class ConsoleReader {
   int descriptor() const { return master_.get(); }
 
   void drain() {
-    std::array<char, 4096> block;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+    std::array<char, 4096> block{};
     ssize_t size = 0;
     while ((size = read(master_.get(), block.data(), block.size())) > 0) {
       take({block.data(), static_cast<size_t>(size)});

@@ -69,9 +69,7 @@ bool is_over(const Process& process) {
   return process.state == 'Z' || process.state == 'X';
 }
 
-}  // namespace
-
-std::vector<int> request_processes(int service) {
+std::vector<int> look_for_requests(int service) {
   const std::map<int, Process> processes = all_processes();
   std::set<int> spared{kInit};
   for (int number = getpid(); number > kInit;) {
@@ -88,6 +86,14 @@ std::vector<int> request_processes(int service) {
     running.push_back(number);
   }
   return running;
+}
+
+}  // namespace
+
+std::vector<int> request_processes(int service) {
+  // One that has ended by the time it is looked at may have started another since it was listed.
+  auto running = look_for_requests(service);
+  return running.empty() ? look_for_requests(service) : running;
 }
 
 void end_request_processes(int service) {

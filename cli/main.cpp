@@ -36,7 +36,7 @@ void print(std::string_view text) {
 // Standard input to its end. A line feed behind the request is no part of it.
 std::string read_request() {
   std::string request;
-  std::array<char, 4096> chunk;
+  std::array<char, 4096> chunk{};
   while (const std::size_t size = std::fread(chunk.data(), 1, chunk.size(), stdin)) {
     request.append(chunk.data(), size);
     if (request.size() > kLongestRequest) throw std::runtime_error("the request is too long");
@@ -54,8 +54,7 @@ bool is_pretty(cli::Layout layout) {
 }
 
 int ask(const std::string& request, cli::Layout layout) {
-  std::array<char, ZELTO_REPLY_SIZE> out;
-  out.front() = '\0';
+  std::array<char, ZELTO_REPLY_SIZE> out{};
   const int status = share_func(request.c_str(), out.data());
   const std::string reply = out.data();
   if (!reply.empty())

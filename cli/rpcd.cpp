@@ -24,9 +24,9 @@ std::string method(const catalogue::Command& command) {
   std::string arguments;
   for (const auto& member : command.request) {
     if (!arguments.empty()) arguments += ',';
-    arguments.append("\"").append(member.name).append("\":").append(sample(member.type));
+    arguments.append(1, '"').append(member.name).append(R"(":)").append(sample(member.type));
   }
-  return "\"" + std::string(command.name) + "\":{" + arguments + "}";
+  return '"' + std::string(command.name) + R"(":{)" + arguments + "}";
 }
 
 std::string refusal(std::string_view type, int result) {
@@ -50,8 +50,7 @@ std::string call(const std::string& command, const std::string& arguments) {
   const auto* known = catalogue::find(command);
   if (known == nullptr) return "{\"result\":" + std::to_string(kUnknown) + "}";
   const auto request = with_type(arguments, command);
-  std::array<char, ZELTO_REPLY_SIZE> out;
-  out.front() = '\0';
+  std::array<char, ZELTO_REPLY_SIZE> out{};
   if (!request || share_func(request->c_str(), out.data()) != 0 || out.front() == '\0') {
     return refusal(known->name, kFailed);
   }

@@ -51,8 +51,7 @@ void check_headers(const HttpRequest& http) {
 
 // The library's reply to a request.
 std::string dispatch(const JsonObject& request) {
-  std::array<char, ZELTO_REPLY_SIZE> out;
-  out.front() = '\0';
+  std::array<char, ZELTO_REPLY_SIZE> out{};
   const int status = share_func(request.print().c_str(), out.data());
   return status == 0 ? out.data() : "";
 }

@@ -83,7 +83,7 @@ std::string read_body(int input) {
   const auto end = Clock::now() + kLongestRead;
   std::string body;
   std::size_t total = 0;
-  std::array<char, 16384> block;
+  std::array<char, 16384> block{};
   while (total < kMostDiscarded) {
     if (!wait_for_input(input, end)) throw Refusal{400, "bad_request", "The request is not whole."};
     const ssize_t count = read(input, block.data(), block.size());

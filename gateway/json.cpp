@@ -30,7 +30,7 @@ void JsonDeleter::operator()(cJSON* item) const {
 
 std::optional<JsonObject> JsonObject::parse(const std::string& text) {
   JsonObject object(cJSON_ParseWithOpts(text.c_str(), nullptr, /*require_null_terminated=*/1));
-  if (!cJSON_IsObject(object.object_.get()) || has_twins(object.object_.get())) {
+  if (cJSON_IsObject(object.object_.get()) == 0 || has_twins(object.object_.get())) {
     return std::nullopt;
   }
   return object;
@@ -43,7 +43,7 @@ std::optional<std::string> JsonObject::text(const char* member) const {
 
 std::optional<double> JsonObject::number(const char* member) const {
   const cJSON* item = cJSON_GetObjectItem(object_.get(), member);
-  return cJSON_IsNumber(item) ? std::optional<double>(item->valuedouble) : std::nullopt;
+  return cJSON_IsNumber(item) != 0 ? std::optional<double>(item->valuedouble) : std::nullopt;
 }
 
 std::optional<std::string> JsonObject::take_text(const char* member) {
@@ -55,7 +55,7 @@ std::optional<std::string> JsonObject::take_text(const char* member) {
 void JsonObject::replace_text(const char* member, const std::string& value) {
   cJSON* item = cJSON_CreateString(value.c_str());
   if (item == nullptr) throw std::bad_alloc();
-  if (!cJSON_ReplaceItemInObject(object_.get(), member, item)) {
+  if (cJSON_ReplaceItemInObject(object_.get(), member, item) == 0) {
     cJSON_Delete(item);
     throw std::bad_alloc();
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <concepts>
 #include <cstddef>
 #include <functional>
 #include <map>
@@ -42,19 +43,19 @@ const std::string_view kHelpText =
 namespace {
 
 constexpr std::array kModems{"none", "lte", "nsa", "sa"};
-constexpr int kMostDisks = 2;
+constexpr unsigned kMostDisks = 2;
 
 std::string one_of(const auto& choices, const std::string& option, const std::string& word) {
   if (std::ranges::find(choices, word) != std::ranges::end(choices)) return word;
   throw UsageError(option + " does not know " + word);
 }
 
-template <typename Number>
+template <std::unsigned_integral Number>
 Number number_up_to(Number most, const std::string& option, const std::string& word) {
   Number number = 0;
   const char* end = word.data() + word.size();
   const auto [rest, error] = std::from_chars(word.data(), end, number);
-  if (error != std::errc() || rest != end || number < 0 || number > most) {
+  if (error != std::errc() || rest != end || number > most) {
     throw UsageError(option + " needs a number from 0 to " + std::to_string(most));
   }
   return number;
@@ -84,7 +85,7 @@ const std::map<std::string, Setter> kSetters{
      }},
     {"--usb",
      [](Arguments& arguments, const auto& option, const auto& word) {
-       arguments.router.usb_disks = number_up_to(kMostDisks, option, word);
+       arguments.router.usb_disks = static_cast<int>(number_up_to(kMostDisks, option, word));
        arguments.sets_router = true;
      }},
     {"--programs-dir",

@@ -5,6 +5,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -35,7 +36,7 @@ constexpr const char* kUsage =
     "       modem kind      the number that the modem daemon knows it by\n";
 
 // For the handler of a signal, which may not allocate.
-std::string plugged_port;  // NOLINT(runtime/string)
+std::string plugged_port;
 
 void pull_out(int) {
   unlink(plugged_port.c_str());
@@ -128,7 +129,9 @@ class Modem {
 
 // Ends the modem that is plugged in, if there is one, and what a killed one has left.
 int unplug() {
-  const int process = std::atoi(board::read_file(kProcessFile).c_str());
+  const std::string noted = board::read_file(kProcessFile);
+  int process = 0;
+  std::from_chars(noted.data(), noted.data() + noted.size(), process);
   const std::string name = "/proc/" + std::to_string(process) + "/comm";
   while (process > 0 && board::read_file(name) == board::modem::kProcessName + std::string("\n") &&
          kill(process, SIGTERM) == 0) {

@@ -16,7 +16,7 @@ constexpr const char* kBusybox = "/bin/busybox";
 constexpr const char* kFirmwareMark = "ZELTO_BOARD_FIRMWARE";
 // Busybox's shell runs its own applet for a plain name without looking at PATH; these two go to
 // the router's programs instead.
-constexpr const char* kPrelude = "sleep(){ /bin/sleep \"$@\";};reboot(){ /sbin/reboot \"$@\";};";
+constexpr const char* kPrelude = R"(sleep(){ /bin/sleep "$@";};reboot(){ /sbin/reboot "$@";};)";
 constexpr int kCannotRun = 127;
 constexpr double kClockSpeed = 100;
 constexpr double kLongestSleepSeconds = 1e6;

@@ -40,13 +40,22 @@ bool is_settled(const FileStamp& stamp, int64_t now) {
 }  // namespace
 
 Snapshot::Snapshot(std::string text, Package package)
-    : text_(std::move(text)), package_(std::move(package)) {
+    : text_(std::move(text)), package_(std::move(package)) {}
+
+const Snapshot::Index& Snapshot::index() const {
+  if (indexed_.load(std::memory_order_acquire)) return index_;
+  const std::lock_guard lock(index_mutex_);
+  if (indexed_.load(std::memory_order_relaxed)) return index_;
+  Index index;
   for (const Section& section : package_.sections()) {
-    sections_.emplace(section.name, &section);
+    index.sections.emplace(section.name, &section);
     for (const Option& option : section.options) {
-      options_.emplace(Place(section.name, option.name), &option);
+      index.options.emplace(Place(section.name, option.name), &option);
     }
   }
+  index_ = std::move(index);
+  indexed_.store(true, std::memory_order_release);
+  return index_;
 }
 
 size_t Snapshot::PlaceHash::operator()(const Place& place) const {
@@ -56,13 +65,15 @@ size_t Snapshot::PlaceHash::operator()(const Place& place) const {
 }
 
 const Section* Snapshot::find(std::string_view section) const {
-  const auto found = sections_.find(section);
-  return found == sections_.end() ? nullptr : found->second;
+  const auto& sections = index().sections;
+  const auto found = sections.find(section);
+  return found == sections.end() ? nullptr : found->second;
 }
 
 const Option* Snapshot::find(std::string_view section, std::string_view option) const {
-  const auto found = options_.find(Place(section, option));
-  return found == options_.end() ? nullptr : found->second;
+  const auto& options = index().options;
+  const auto found = options.find(Place(section, option));
+  return found == options.end() ? nullptr : found->second;
 }
 
 FileStamp::FileStamp(const struct stat& facts)

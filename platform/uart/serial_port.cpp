@@ -59,7 +59,7 @@ void drop_unread(int line) {
     pollfd waited{.fd = line, .events = POLLIN, .revents = 0};
     return ::poll(&waited, 1, static_cast<int>(patience.count())) > 0;
   };
-  std::array<char, 4096> forgotten;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+  std::array<char, 4096> forgotten{};
   for (auto patience = milliseconds(0); is_unread(patience) && Clock::now() < deadline;
        patience = kQuiet) {
     if (::read(line, forgotten.data(), forgotten.size()) <= 0) return;

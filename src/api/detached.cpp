@@ -44,6 +44,7 @@ constexpr long kLongestWordPages = 32;  // the kernel's limit for one word of a 
 constexpr long kZeros[32] = {};  // a default action, and the empty set of signals, on every machine
 
 struct Launch {
+  // cppcheck-suppress uninitMemberVar ; the stack
   explicit Launch(std::string_view command) : text(command) {
     for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
       variables.emplace_back(*variable);

@@ -8,7 +8,8 @@ namespace __gnu_cxx {
 // Used: optimisation of the whole sees no caller, for the C++ library is none of its objects.
 __attribute__((used)) void __verbose_terminate_handler();
 
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the C++ library's own name for it
+// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the C++ library's own
+// name for it
 void __verbose_terminate_handler() {
   std::abort();
 }

@@ -135,6 +135,8 @@ bool is_storable(std::string_view value, std::size_t longest) {
 }
 
 std::string to_utf8(std::string_view bytes) {
+  const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (std::all_of(bytes.begin(), bytes.end(), is_ascii)) return std::string(bytes);
   std::string result;
   result.reserve(bytes.size());
   while (!bytes.empty()) {

@@ -29,8 +29,6 @@ std::optional<std::vector<std::string>> entries(
   const Directory directory(opendir(path));
   if (!directory) return std::nullopt;
   std::vector<std::string> names;
-  // A stream of one's own is safe to read.
-  // NOLINTNEXTLINE(concurrency-mt-unsafe)
   while (const dirent* entry = readdir(directory.get())) {
     const std::string name = entry->d_name;
     if (name != "." && name != ".." && wanted(directory.get(), *entry)) names.push_back(name);

@@ -104,7 +104,7 @@ TEST_F(Blacklist, AnEntryTwiceComesBeforeAFullList) {
 TEST_F(Blacklist, NothingOfAnAddressIsEverRun) {
   for (const std::string mac :
        {"$(reboot)aaaaaaa", ";reboot;aaaaaaaa", "'aaaaa';>/etc/x;'", "`reboot`aaaaaaaa",
-        "aaaaaaaaa|reboot&", "#aaaaaaaaaaaaaa", "aaaa'\\\"'$(x)\\\"a"}) {
+        "aaaaaaaaa|reboot&", "#aaaaaaaaaaaaaa", R"(aaaa'\"'$(x)\"a)"}) {
     board::write_file(kList, "");
     EXPECT_EQ(block(mac), result("setmacblack", 0)) << mac;
     board::write_file("/tmp/check",

@@ -11,7 +11,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 using zelto_test::ask;
 using zelto_test::call;
 

@@ -106,7 +106,7 @@ class Spoiler {
       const bool is_type = child->string != nullptr && std::string(child->string) == "type";
       if (pick(is_type ? 40 : 3) == 0) {
         const char* good = cJSON_GetStringValue(child);
-        const auto other = value(good == nullptr ? "" : good);
+        auto* const other = value(good == nullptr ? "" : good);
         if (child->string == nullptr) {
           cJSON_ReplaceItemViaPointer(parent, child, other);
         } else {
@@ -125,11 +125,11 @@ class Spoiler {
   }
 
   cJSON* value(const std::string& good) {
-    static const auto others =
-        split("null~true~0.5~-1~2147483648~1e308~{\"a\":{\"b\":[{\"c\":null}]}}~[1,\"x\",{}]~" +
+    static const auto kOthers =
+        split(R"(null~true~0.5~-1~2147483648~1e308~{"a":{"b":[{"c":null}]}}~[1,"x",{}]~)" +
               std::string(900, '[') + std::string(900, ']'));
     const auto choice = pick(10);
-    if (choice < 3) return parse(others[pick(others.size())]).release();
+    if (choice < 3) return parse(kOthers[pick(kOthers.size())]).release();
     if (choice < 5 || !with_harm_) {
       return cJSON_CreateString(kPlausible[pick(kPlausible.size())].c_str());
     }
@@ -138,7 +138,7 @@ class Spoiler {
     return cJSON_CreateString(texts[pick(3)].c_str());
   }
 
-  std::mt19937 random_;  // NOLINT(cert-msc51-cpp): the same requests at each run
+  std::mt19937 random_;
   bool with_harm_ = true;
 };
 
@@ -205,7 +205,7 @@ bool is_sound(const CommandEntry& entry, const std::string& request) {
   std::string out(ZELTO_REPLY_SIZE + kBehind, '#');
   out.replace(0, 2, std::string("-\0", 2));
   entry.handler(request.c_str(), out.data());
-  const std::string reply = out.c_str();
+  const std::string reply = out.substr(0, out.find('\0'));
   const auto parsed = parse(reply);
   const auto asked = parse(request);
   // Nothing is written for what is not JSON; a few say nothing without "type".
@@ -220,12 +220,12 @@ bool is_sound(const CommandEntry& entry, const std::string& request) {
 int requests(const std::string& command) {
   constexpr int kAll = 200;
   if (std::getenv("ZELTO_EVERY_REQUEST") != nullptr) return kAll;
-  static const auto slow = split(
+  static const auto kSlow = split(
       "sethwnat~sethideall~setAllswitch~seteasycfg~setlancfg~setWifiMode"
       "~setmanpwd~sethide2~sethide5~setwlancfgall");
   const auto* known = zelto::catalogue::find(command);
   if (known == nullptr || known->request.empty()) return 20;
-  return std::find(slow.begin(), slow.end(), command) == slow.end() ? kAll : 60;
+  return std::ranges::find(kSlow, command) == kSlow.end() ? kAll : 60;
 }
 
 class Hostile : public RouterTest {};

@@ -16,7 +16,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class Utilities : public zelto_test::RouterTest {};
 

@@ -28,7 +28,7 @@ Outcome run(const std::string& command) {
   std::FILE* pipe = popen(("( " + command + " ) 2>&1").c_str(), "re");
   if (pipe == nullptr) return {-1, "cannot start"};
   std::string output;
-  std::array<char, 4096> chunk;
+  std::array<char, 4096> chunk{};
   while (const auto size = std::fread(chunk.data(), 1, chunk.size(), pipe)) {
     output.append(chunk.data(), size);
   }

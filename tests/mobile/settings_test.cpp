@@ -73,8 +73,8 @@ TEST_F(MobileSettings, WhatDoesNotFitIsRefusedWhole) {
 }
 
 TEST_F(MobileSettings, DataAssistantAddsUpTheTraffic) {
-  const char* const kOptions[] = {"flowswitch", "monthlypackage", "monup",
-                                  "curup",      "mondown",        "curdown"};
+  constexpr const char* kOptions[] = {"flowswitch", "monthlypackage", "monup",
+                                      "curup",      "mondown",        "curdown"};
   const struct {
     std::vector<std::optional<std::string>> values;
     std::string reply;

@@ -211,7 +211,8 @@ TEST_F(QuickSetup, WritesEachModeInOrder) {
       {"wisp", network("2.4g", 36), wisp_5g},
       {"repeater", network("", 36), repeater_5g},
   };
-  char lan[24] = "", wan[24] = "";
+  char lan[24] = "";
+  char wan[24] = "";
   get_7628_lan_mac(lan);
   get_7628_wan_mac(wan);
   for (const auto& c : cases) {

@@ -89,9 +89,9 @@ class Survey : public zelto_test::RouterTest {
 };
 
 TEST_F(Survey, ListsTheBoardsAir) {
-  const auto office = R"({"channel":149,"ssid":"Office","bssid":"02:bb:00:00:00:12",)"
-                      R"("security":"WPA3PSK/AES","signal":83,"ext_ch":"ABOVE",)"
-                      R"("wifi_type":"5.8G"})";
+  const auto* const office = R"({"channel":149,"ssid":"Office","bssid":"02:bb:00:00:00:12",)"
+                             R"("security":"WPA3PSK/AES","signal":83,"ext_ch":"ABOVE",)"
+                             R"("wifi_type":"5.8G"})";
   const std::string stop_2g = "run iwpriv apcli0 {ap_scan_running, set ApCliAutoConnect=0}\n";
   const std::string stop_5g = "run iwpriv apclii0 set ApCliAutoConnect=0\n";
   const struct {
@@ -228,10 +228,10 @@ TEST_F(Survey, SortsNoMoreThanThereAre) {
 
 TEST_F(Survey, AsksWhetherAScanRuns) {
   const std::pair<const char*, int> cases[] = {
-      {"apcli0 ap_scan_running:\\n1\\n", 1},
-      {"1\\n0\\n1\\n", 0},
-      {"x\\n12 y", 12},
-      {"x\\ny\\n", 0},
+      {R"(apcli0 ap_scan_running:\n1\n)", 1},
+      {R"(1\n0\n1\n)", 0},
+      {R"(x\n12 y)", 12},
+      {R"(x\ny\n)", 0},
       {"", 0},
   };
   for (const auto& [answer, running] : cases) {

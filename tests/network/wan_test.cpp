@@ -11,9 +11,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::StartsWith;
 using zelto_test::ask;
-using zelto_test::call;
 
 class Wan : public zelto_test::RouterTest {
  protected:

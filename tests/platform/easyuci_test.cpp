@@ -219,18 +219,18 @@ TEST_F(EasyUci, RefusesBadNamesAndNullArguments) {
   std::array<char, EASY_UCI_NAME_SIZE> buffer{};
   for (int missing = 0; missing < 4; ++missing) {
     const char* package = missing == 0 ? nullptr : kProbe;
-    const char* first = missing == 1 ? nullptr : "s";
-    const char* second = missing == 2 ? nullptr : "o";
+    const char* section = missing == 1 ? nullptr : "s";
+    const char* option = missing == 2 ? nullptr : "o";
     char* out = missing == 3 ? nullptr : buffer.data();
-    EXPECT_EQ(easy_uci_get_option_string(package, first, second, out, 9), -1);
-    EXPECT_EQ(easy_uci_set_option_string(package, first, second, out), -1);
+    EXPECT_EQ(easy_uci_get_option_string(package, section, option, out, 9), -1);
+    EXPECT_EQ(easy_uci_set_option_string(package, section, option, out), -1);
     if (missing == 3) continue;
-    EXPECT_EQ(easy_uci_delete_option(package, first, second), -1);
+    EXPECT_EQ(easy_uci_delete_option(package, section, option), -1);
     if (missing == 2) continue;
-    EXPECT_EQ(easy_uci_add_section(package, first, "x"), -1);
-    EXPECT_EQ(easy_uci_delete_section(package, first), -1);
-    EXPECT_EQ(easy_uci_get_section_type(package, first, out, 9), -1);
-    EXPECT_EQ(easy_uci_get_nth_section_of_type(package, first, 0, out), -1);
+    EXPECT_EQ(easy_uci_add_section(package, section, "x"), -1);
+    EXPECT_EQ(easy_uci_delete_section(package, section), -1);
+    EXPECT_EQ(easy_uci_get_section_type(package, section, out, 9), -1);
+    EXPECT_EQ(easy_uci_get_nth_section_of_type(package, section, 0, out), -1);
   }
   EXPECT_EQ(easy_uci_get_section_type(kProbe, "s", nullptr, 9), -1);
   EXPECT_EQ(easy_uci_get_nth_section_of_type(kProbe, "t", 0, nullptr), -1);

@@ -87,8 +87,9 @@ class Modem {
   using Script = std::function<std::vector<std::string>(const std::string& command)>;
   static constexpr char kHangUp[] = "(hang up)";
 
-  explicit Modem(Script script) : script_(std::move(script)) {
-    master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+  explicit Modem(Script script)
+      : script_(std::move(script)),
+        master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK)) {
     EXPECT_GE(master_, 0);
     EXPECT_EQ(grantpt(master_), 0);
     EXPECT_EQ(unlockpt(master_), 0);
@@ -167,7 +168,7 @@ Reply ask(const char* command, const char* prefix) {
   std::vector<char> reply(UART_AT_REPLY_SIZE, '~');
   const int status = get_uart_ATCMD_result(command, prefix, reply.data());
   const auto took = std::chrono::steady_clock::now() - begin;
-  return {status, reply.data(), std::chrono::duration_cast<milliseconds>(took)};
+  return {status, std::string(reply.data()), std::chrono::duration_cast<milliseconds>(took)};
 }
 
 TEST_F(UartAt, TalksToAModem) {

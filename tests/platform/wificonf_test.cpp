@@ -84,7 +84,7 @@ TEST_F(WifiConf, ReadsValuesAndElements) {
 }
 
 TEST_F(WifiConf, FailedReadEmptiesTheBuffer) {
-  std::array<char, WIFI_CONF_VALUE_SIZE> buffer;
+  std::array<char, WIFI_CONF_VALUE_SIZE> buffer{};
   buffer.fill('x');
   EXPECT_EQ(lib_conf_get_2G("Missing", -1, buffer.data()), -1);
   EXPECT_STREQ(buffer.data(), "");

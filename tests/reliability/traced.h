@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the C library's name
 struct __ptrace_syscall_info;
 
 namespace reliability {

@@ -18,7 +18,7 @@ inline Answer call(CommandHandler handler, const char* request) {
   std::string out(ZELTO_REPLY_SIZE, '\0');
   out.replace(0, 10, std::string("untouched\0", 10));
   const int status = handler(request, out.data());
-  return {status, out.c_str()};
+  return {status, out.substr(0, out.find('\0'))};
 }
 
 // The reply to a request that is expected to be answered.

@@ -21,9 +21,9 @@ bool can_be_told = true;
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int kill(pid_t process, int signal) noexcept {
-  if (signal != kStartUpgrade) return static_cast<int>(syscall(SYS_kill, process, signal));
-  told.push_back(process);
+extern "C" __attribute__((visibility("default"))) int kill(pid_t pid, int sig) noexcept {
+  if (sig != kStartUpgrade) return static_cast<int>(syscall(SYS_kill, pid, sig));
+  told.push_back(pid);
   return can_be_told ? 0 : -1;
 }
 
