@@ -11,6 +11,7 @@
 #include <string>
 
 #include "board/board.h"
+#include "router.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ std::string post(const std::string& program, const std::string& body, const std:
       "\r\nCookie: zelto_session=" + token + "\r\n\r\n" + body;
   if (write(server, request.data(), request.size()) < 0) throw std::runtime_error("cannot ask");
   std::string answer;
-  std::array<char, 4096> chunk;
+  std::array<char, 4096> chunk{};
   for (ssize_t size = 0; (size = read(server, chunk.data(), chunk.size())) > 0;) {
     answer.append(chunk.data(), static_cast<std::size_t>(size));
   }
@@ -45,31 +46,30 @@ std::string post(const std::string& program, const std::string& body, const std:
   return answer;
 }
 
-// Starts the web server once; a session for the gateway.
-const std::string& session() {
-  static const std::string token = [] {
-    for (const char* program : {"zelto-cgi", "empty-cgi"}) {
-      board::quiet({"ln", "-sf", std::string("/usr/bin/") + program, "/www/cgi-bin/"});
-    }
-    board::quiet({"httpd", "-p", "80", "-h", "/www"});
-    const auto answer =
-        post("zelto-cgi", R"({"type":"loginauth","user":"admin","pass":"admin"})", "");
-    constexpr std::string_view kToken = R"("token":")";
-    constexpr std::size_t kTokenLength = 32;
-    const auto at = answer.find(kToken);
-    if (at == std::string::npos) throw std::runtime_error("cannot log in: " + answer);
-    return answer.substr(at + kToken.size(), kTokenLength);
-  }();
-  return token;
+// Starts the web server, and a session for the gateway.
+std::string log_in() {
+  zelto_bench::reset();
+  for (const char* program : {"zelto-cgi", "empty-cgi"}) {
+    board::quiet({"ln", "-sf", std::string("/usr/bin/") + program, "/www/cgi-bin/"});
+  }
+  board::quiet({"httpd", "-p", "80", "-h", "/www"});
+  const auto answer =
+      post("zelto-cgi", R"({"type":"loginauth","user":"admin","pass":"admin"})", "");
+  constexpr std::string_view kToken = R"("token":")";
+  constexpr std::size_t kTokenLength = 32;
+  const auto at = answer.find(kToken);
+  if (at == std::string::npos) throw std::runtime_error("cannot log in: " + answer);
+  return answer.substr(at + kToken.size(), kTokenLength);
 }
 
 void ask(benchmark::State& state, const char* program, const char* expected) {
-  const auto& token = session();
+  const auto token = log_in();
   for (auto _ : state) {
     if (post(program, kRequest, token).find(expected) == std::string::npos) {
       state.SkipWithError("not the answer");
     }
   }
+  zelto_bench::reset();
 }
 
 void cgi_getlancfg(benchmark::State& state) {
@@ -80,7 +80,7 @@ void cgi_empty(benchmark::State& state) {
   ask(state, "empty-cgi", "{}");
 }
 
-BENCHMARK(cgi_getlancfg);
-BENCHMARK(cgi_empty);
+BENCHMARK(cgi_getlancfg)->UseRealTime();
+BENCHMARK(cgi_empty)->UseRealTime();
 
 }  // namespace

@@ -1,102 +1,86 @@
 // How the commands that keep lists grow with the lists.
 
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <cstring>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <zelto/zeltoapi.h>
 
 #include "board/board.h"
+#include "router.h"
+#include "timing.h"
 
 namespace {
 
-constexpr int kTurns = 30;
-constexpr int kFew = 10;
-constexpr int kMany = 1000;
-constexpr int kFullBlacklist = 32;
+constexpr int kSizes[] = {10, 32, 100, 320, 1000};
+constexpr int kMost = 1000;
+constexpr int kReads = 200;
+constexpr int kChanges = 30;
+constexpr useconds_t kRest = 60'000;  // microseconds until the store trusts its files' times
 
-std::string device(int number) {
-  return "02:AA:00:00:" + std::to_string(number + kMany);
-}
+struct Command {
+  const char* type;
+  std::string members;
+  int most = kMost;
+};
 
-// The lists of every command, and the firewall's sections of the forwarding rules.
-void fill_lists(int entries) {
-  std::string terminals;
-  std::string parental;
-  std::string limits;
-  std::string forwarding;
-  std::string sections = board::read_file("/etc/config/firewall");
-  std::string blacklist;
-  for (int i = 0; i < entries; ++i) {
-    const auto mac = device(i);
-    const auto name = "bmFtZ" + std::to_string(i + kMany) + "==";
-    terminals += "192.168.10.2 " + mac + " 59 1 2 ra0 kitchen tablet 3 4\n";
-    parental.append(name).append(" tablet ").append(mac).append(" 16:00-20:00 12345\n");
-    limits += mac + " 192.168.10.2 100 800 " + std::to_string(i) + "\n";
-    forwarding += name + " 192.168.10.2;80 8080 TCP\n";
-    sections += "\nconfig redirect 'redirect" + std::to_string(i) +
-                "'\n\toption target 'DNAT'\n\toption src 'wan'\n\toption dest 'lan'\n"
-                "\toption src_dport '8080'\n\toption dest_port '80'\n\toption name '" +
-                name + "'\n\toption proto 'tcp'\n\toption dest_ip '192.168.10.2'\n";
-    if (i < kFullBlacklist) blacklist += mac + " tablet\n";
-  }
-  board::write_file("/tmp/terminal_list", terminals);
-  board::write_file("/etc/parental_list", parental);
-  board::write_file("/etc/qos_limit_list", limits);
-  board::write_file("/etc/port_forward_list", forwarding);
-  board::write_file("/etc/config/firewall", sections);
-  board::write_file("/etc/blacklist", blacklist);
-}
-
-// What a command starts is waited for in between.
-void ask(benchmark::State& state, const std::string& request, int entries) {
-  board::reset();
-  fill_lists(entries);
+// Requests that change something come one by one, as people send them: the store reads a file
+// again as long as it has just been written. What they start is waited for in between.
+double time_requests(const std::string& request, bool changes) {
   std::array<char, ZELTO_REPLY_SIZE> out{};
-  for (auto _ : state) {
-    const auto begin = std::chrono::steady_clock::now();
-    share_func(request.c_str(), out.data());
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
-    state.SetIterationTime(elapsed.count());
-    if (std::strstr(out.data(), R"("result":1)") != nullptr) state.SkipWithError(out.data());
-    board::settle();
+  const auto ask = [&] { share_func(request.c_str(), out.data()); };
+  std::vector<double> seconds;
+  for (int turn = 0; turn < (changes ? kChanges : kReads); ++turn) {
+    if (changes) {
+      board::settle();
+      usleep(kRest);
+      seconds.push_back(zelto_bench::seconds_of(ask));
+    } else {
+      seconds.push_back(zelto_bench::processor_seconds_of(ask));
+    }
+    if (std::strstr(out.data(), R"("result":1)") != nullptr) throw std::runtime_error(request);
   }
-  board::reset();
+  return zelto_bench::lower_quartile(seconds);
+}
+
+void register_sizes(const Command& command) {
+  const auto request = std::string(R"({"type":")") + command.type + "\"" + command.members + "}";
+  const bool changes = std::strncmp(command.type, "set", 3) == 0;
+  for (const int entries : kSizes) {
+    if (entries > command.most) break;
+    const auto ask = [=](benchmark::State& state) {
+      zelto_bench::reset();
+      zelto_bench::fill_lists(entries);
+      usleep(kRest);
+      for (auto _ : state) state.SetIterationTime(time_requests(request, changes));
+      zelto_bench::reset();
+    };
+    const auto name = std::string(command.type) + "/" + std::to_string(entries);
+    benchmark::RegisterBenchmark(name.c_str(), ask)->UseManualTime()->Iterations(1)->Repetitions(1);
+  }
 }
 
 const int kRegistered = [] {
-  const struct {
-    const char* type;
-    std::string members;
-    int many = kMany;
-  } commands[] = {
+  const Command commands[] = {
       {"getterminallist", ""},
       {"getclientnum", ""},
       {"getparentalinfo", ""},
+      {"getforwarding", ""},
+      {"getqos", R"(,"MAC":"ALL")"},
+      {"getblacklist", "", zelto_bench::kFullBlacklist},
       {"setparentalinfo",
        R"(,"cfg_type":"add","alias":"a","mac":"M","accesstime":"1-2","day":"7")"},
-      {"getblacklist", "", kFullBlacklist},
-      {"setmacblack", R"(,"mac":"02:BB:00:00:00:01","enable":"0")", kFullBlacklist},
-      {"getforwarding", ""},
       {"setforwarding", R"(,"enable":"1","name":"a","ip":"all","list0":"1,2,TCP")"},
-      {"getqos", R"(,"MAC":"ALL")"},
-      {"setqos",
-       R"(,"MAC":")" + device(kFew / 2) + R"(","IP":"192.168.10.2","Up_Speed":"1","Dl_Speed":"2")"},
+      {"setqos", R"(,"MAC":")" + zelto_bench::device(5) +
+                     R"(","IP":"192.168.10.2","Up_Speed":"1","Dl_Speed":"2")"},
+      {"setmacblack", R"(,"mac":"02:BB:00:00:00:01","enable":"0")", zelto_bench::kFullBlacklist},
   };
-  for (const auto& command : commands) {
-    const auto request = std::string(R"({"type":")") + command.type + "\"" + command.members + "}";
-    for (const int entries : {kFew, command.many}) {
-      const auto name = std::string(command.type) + "_" + std::to_string(entries);
-      benchmark::RegisterBenchmark(
-          name.c_str(),
-          [request, entries](benchmark::State& state) { ask(state, request, entries); })
-          ->UseManualTime()
-          ->Iterations(kTurns);
-    }
-  }
+  for (const auto& command : commands) register_sizes(command);
   return 0;
 }();
 
