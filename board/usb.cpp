@@ -1,7 +1,6 @@
 #include "board/usb.h"
 
 #include <sys/mount.h>
-#include <unistd.h>
 
 #include <array>
 #include <filesystem>

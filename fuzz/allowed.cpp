@@ -3,6 +3,7 @@
 #include <regex.h>
 
 #include <fstream>
+#include <functional>
 #include <map>
 
 #include "fuzz/fuzz.h"

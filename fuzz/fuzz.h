@@ -1,6 +1,7 @@
 // What the parts of the fuzzer share.
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>

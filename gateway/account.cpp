@@ -1,6 +1,7 @@
 #include "gateway/account.h"
 
 #include <array>
+#include <cstddef>
 
 #include <platform/easy_uci.h>
 

@@ -1,6 +1,7 @@
 #include "gateway/backoff.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <sstream>
 #include <vector>

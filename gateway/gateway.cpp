@@ -3,7 +3,9 @@
 #include <strings.h>
 
 #include <array>
+#include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include <zelto/zeltoapi.h>

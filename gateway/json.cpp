@@ -6,6 +6,7 @@
 #include <cctype>
 #include <new>
 #include <set>
+#include <utility>
 
 namespace gateway {
 namespace {

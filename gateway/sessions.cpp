@@ -3,9 +3,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <set>
 #include <sstream>
+#include <string_view>
 #include <vector>
 
 #include <zelto/zeltoapi.h>

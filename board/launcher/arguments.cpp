@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <ranges>
+#include <system_error>
 
 #include "board/launcher/operation_mode.h"
 

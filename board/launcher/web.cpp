@@ -4,9 +4,11 @@
 #include <sys/wait.h>
 
 #include <chrono>
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <stdexcept>
+#include <string>
 #include <thread>
 
 #include "board/launcher/effects.h"

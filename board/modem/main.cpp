@@ -7,10 +7,8 @@
 
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <utility>
 

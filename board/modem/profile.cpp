@@ -4,10 +4,13 @@
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <cstddef>
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 #include "board/board.h"
 #include "board/modem/paths.h"

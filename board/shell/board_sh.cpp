@@ -8,6 +8,8 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace {
 
 constexpr const char* kJournal = "/run/board/journal";

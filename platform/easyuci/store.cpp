@@ -1,7 +1,7 @@
 #include "platform/easyuci/store.h"
 
 #include <cerrno>
-#include <ctime>
+#include <cstddef>
 #include <mutex>
 #include <optional>
 

@@ -1,6 +1,7 @@
 #include "platform/easyuci/text.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <unordered_map>
 #include <utility>
 #include <vector>

@@ -1,6 +1,7 @@
 // uci: reads and writes the configuration store from the command line.
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <iostream>
 #include <string>
 #include <string_view>

@@ -1,6 +1,7 @@
 #include "platform/wificonf/profile.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace wificonf {
 namespace {

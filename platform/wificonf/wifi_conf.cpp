@@ -1,5 +1,4 @@
 #include <exception>
-#include <optional>
 #include <string>
 #include <string_view>
 

@@ -1,5 +1,6 @@
 // Friendly names of devices. The service that lists the devices reads them.
 
+#include <cstddef>
 #include <optional>
 #include <string>
 

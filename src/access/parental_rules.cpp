@@ -3,11 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <zelto/access.h>

@@ -1,6 +1,7 @@
 #include "access/terminal_list.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
 
 #include "api/files.h"

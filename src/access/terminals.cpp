@@ -1,6 +1,7 @@
 // The attached devices, as the firmware's services list them.
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <ctime>
 #include <limits>

@@ -1,6 +1,7 @@
 #include "api/driver.h"
 
 #include <array>
+#include <cstddef>
 #include <utility>
 
 #include <platform/wifi_conf.h>

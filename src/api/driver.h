@@ -1,6 +1,7 @@
 // The radio drivers' profiles, one key at a time.
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
 #include <optional>
 #include <string>

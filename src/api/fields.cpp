@@ -1,6 +1,8 @@
 // The table of fields, and the walks over it.
 
 #include <cstddef>
+#include <string>
+#include <string_view>
 
 #include <zelto/fields.h>
 

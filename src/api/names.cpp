@@ -1,5 +1,7 @@
 #include "api/names.h"
 
+#include <cstddef>
+
 #include <zelto/utilities.h>
 
 namespace zelto::names {

@@ -2,6 +2,7 @@
 
 #include <cjson/cJSON.h>
 
+#include <cstddef>
 #include <cstring>
 #include <new>
 #include <string>

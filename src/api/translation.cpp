@@ -1,8 +1,6 @@
 // The two spellings of every value that web pages and stores write differently.
 
 #include <cstddef>
-#include <cstring>
-#include <string_view>
 
 #include <zelto/fields.h>
 

@@ -1,7 +1,9 @@
 #include <array>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include <zelto/utilities.h>
 

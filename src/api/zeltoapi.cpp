@@ -1,7 +1,7 @@
 // The dispatcher, and the simplest command as the model of all others.
 
-#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <string_view>
 

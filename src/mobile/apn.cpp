@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <string>
+#include <cstddef>
 
 #include <zelto/mobile.h>
 

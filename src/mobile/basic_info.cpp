@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstddef>
 #include <string_view>
 
 #include <zelto/mobile.h>

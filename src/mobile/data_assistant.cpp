@@ -1,5 +1,6 @@
 // The monthly data allowance, and the traffic that the modem daemon counts.
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>

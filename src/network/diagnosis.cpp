@@ -1,7 +1,7 @@
 // Why the router is not online: a chain of checks up to the first that fails.
 
 #include <array>
-#include <optional>
+#include <cstddef>
 #include <string>
 #include <string_view>
 

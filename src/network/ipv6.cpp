@@ -1,5 +1,6 @@
 // IPv6: pass-through, addresses in the LAN, and those of the uplink.
 
+#include <cstddef>
 #include <string>
 
 #include <zelto/network.h>

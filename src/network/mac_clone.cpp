@@ -1,5 +1,6 @@
 // The MAC address that the WAN shows: its own, or that of a device in the LAN.
 
+#include <cstddef>
 #include <string>
 
 #include <zelto/network.h>

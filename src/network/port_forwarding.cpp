@@ -2,10 +2,11 @@
 // the firewall, which applies them.
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include <zelto/network.h>

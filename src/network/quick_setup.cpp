@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 #include <zelto/fields.h>
 #include <zelto/network.h>

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <initializer_list>
-#include <optional>
 #include <utility>
 
 #include "api/config.h"

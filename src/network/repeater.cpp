@@ -1,5 +1,6 @@
 // The networks around, and the one that the router has joined.
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 // The user's own resolvers in place of the provider's.
 
-#include <array>
+#include <cstddef>
 #include <string>
 
 #include <zelto/network.h>

@@ -1,8 +1,8 @@
 // The compact status of the front page.
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
-#include <string>
 
 #include <zelto/network.h>
 #include <zelto/system.h>

@@ -1,8 +1,8 @@
 #include "network/site_survey.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
+#include <system_error>
 
 #include "api/text.h"
 

@@ -4,6 +4,7 @@
 #include <netinet/in.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <string_view>
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 

@@ -1,6 +1,7 @@
 #include "network/wan_settings.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include <zelto/fields.h>
 

@@ -1,8 +1,8 @@
 // The switch chip's NAT, and the firewall marks that tell it how urgent a packet is.
 
 #include <array>
+#include <cstddef>
 #include <string>
-#include <string_view>
 
 #include <zelto/services.h>
 

@@ -1,9 +1,8 @@
 // Limits on the speed of single devices.
 
 #include <algorithm>
-#include <optional>
+#include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <zelto/services.h>

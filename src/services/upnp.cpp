@@ -1,6 +1,7 @@
 // Ports that devices in the LAN have opened for themselves.
 
 #include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 

@@ -1,6 +1,7 @@
 #include "storage/accounts.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "api/files.h"
 #include "api/text.h"

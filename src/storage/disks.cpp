@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cstddef>
 #include <memory>
 
 #include "api/files.h"

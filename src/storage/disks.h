@@ -2,6 +2,7 @@
 // services travel with the disk. What a disk brings along is as foreign as a request.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>

@@ -1,6 +1,8 @@
 // The Samba service's account and shared directories.
 
 #include <algorithm>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 

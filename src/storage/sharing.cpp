@@ -2,7 +2,7 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
+#include <vector>
 
 #include <zelto/storage.h>
 

@@ -1,5 +1,6 @@
 // Whether there is a disk, what folders it has, and its safe removal.
 
+#include <cstddef>
 #include <string>
 #include <vector>
 

@@ -1,8 +1,8 @@
 // Which entries the menus of the desktop and of the mobile web pages have, by operation mode.
 
 #include <array>
+#include <cstddef>
 #include <span>
-#include <string>
 #include <string_view>
 
 #include <zelto/system.h>

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <csignal>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>

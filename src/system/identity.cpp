@@ -3,6 +3,7 @@
 #include "system/identity.h"
 
 #include <array>
+#include <cstddef>
 
 #include <zelto/fields.h>
 #include <zelto/system.h>

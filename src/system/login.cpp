@@ -1,5 +1,6 @@
 // Login of the web pages, and the tokens it issues.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 

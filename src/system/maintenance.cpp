@@ -1,6 +1,7 @@
 // Restart and reset, the administrator's account, and commands of the administrator's own.
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 

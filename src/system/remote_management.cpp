@@ -1,6 +1,6 @@
 // The web pages as seen from the WAN: a port there that leads to the router's web server.
 
-#include <string>
+#include <cstddef>
 #include <string_view>
 
 #include <zelto/system.h>

@@ -1,7 +1,9 @@
 // The readers of the router's running state.
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <zelto/system.h>
 

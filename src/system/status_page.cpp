@@ -3,6 +3,7 @@
 #include <sys/sysinfo.h>
 
 #include <array>
+#include <cstddef>
 #include <string>
 
 #include <zelto/fields.h>

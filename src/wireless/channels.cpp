@@ -1,6 +1,8 @@
 // Channel, country and bandwidth of the radios.
 
 #include <array>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 

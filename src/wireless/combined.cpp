@@ -1,6 +1,7 @@
 // Both radios' main networks in one request.
 
 #include <optional>
+#include <string>
 
 #include <zelto/wireless.h>
 

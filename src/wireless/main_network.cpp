@@ -1,8 +1,11 @@
 // One radio's main network: name, security, switch and hidden flag.
 
 #include <array>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <zelto/wireless.h>
 

@@ -3,6 +3,8 @@
 #include "wireless/power.h"
 
 #include <array>
+#include <cstddef>
+#include <string>
 
 #include <zelto/wireless.h>
 

@@ -1,6 +1,8 @@
 #include "wireless/radio.h"
 
 #include <array>
+#include <cstddef>
+#include <string_view>
 
 #include <zelto/fields.h>
 

@@ -1,8 +1,10 @@
 // The two radios and the two networks that each carries.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "api/config.h"
 #include "api/driver.h"
