@@ -12,7 +12,8 @@ constexpr double kDone = 0;
 constexpr double kAlive = 9;
 
 void add(cJSON* object, const std::string& member, Json value) {
-  if (!value || !cJSON_AddItemToObject(object, member.c_str(), value.get())) throw std::bad_alloc();
+  if (!value || cJSON_AddItemToObject(object, member.c_str(), value.get()) == 0)
+    throw std::bad_alloc();
   // The object owns it from here on.
   static_cast<void>(value.release());
 }
@@ -55,7 +56,7 @@ std::string RequestBuilder::text() const {
 
 std::optional<std::string> with_type(const std::string& object, const std::string& type) {
   const Json whole = parsed(object);
-  if (!cJSON_IsObject(whole.get())) return std::nullopt;
+  if (cJSON_IsObject(whole.get()) == 0) return std::nullopt;
   while (cJSON_HasObjectItem(whole.get(), "type") != 0) {
     cJSON_DeleteItemFromObject(whole.get(), "type");
   }
@@ -74,7 +75,7 @@ bool succeeded(const std::string& reply) {
   if (!whole) return false;
   const cJSON* result = cJSON_GetObjectItemCaseSensitive(whole.get(), "result");
   if (result == nullptr) return true;
-  const double value = cJSON_IsNumber(result) ? result->valuedouble : -1;
+  const double value = cJSON_IsNumber(result) != 0 ? result->valuedouble : -1;
   return value == kDone || value == kAlive;
 }
 

@@ -30,7 +30,7 @@ std::string method(const catalogue::Command& command) {
 }
 
 std::string refusal(std::string_view type, int result) {
-  return "{\"type\":\"" + std::string(type) + "\",\"result\":" + std::to_string(result) + "}";
+  return R"({"type":")" + std::string(type) + R"(","result":)" + std::to_string(result) + "}";
 }
 
 }  // namespace

@@ -3,10 +3,11 @@
 
 #include <cjson/cJSON.h>
 
-#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <random>
+#include <utility>
 
 #include "board/board.h"
 #include "fuzz/fuzz.h"
@@ -106,7 +107,7 @@ std::string new_setting(Random& random) {
 std::string changed_request(Random& random, const std::string& line, const std::string& other) {
   const Json request(cJSON_Parse(line.c_str()), cJSON_Delete);
   const cJSON* member = one_of(random, request.get());
-  if (!cJSON_IsObject(request.get()) || member == nullptr) return new_request(random);
+  if (cJSON_IsObject(request.get()) == 0 || member == nullptr) return new_request(random);
   const std::string name = member->string;
   const Json donor(cJSON_Parse(other.c_str()), cJSON_Delete);
   const cJSON* theirs = cJSON_GetObjectItem(donor.get(), name.c_str());

@@ -60,6 +60,7 @@ std::string carried_over(const std::string& argument) {
 
 int run(std::vector<std::string> arguments) {
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (auto& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   int count = static_cast<int>(arguments.size());

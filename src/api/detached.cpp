@@ -17,8 +17,10 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "api/shell.h"
@@ -167,7 +169,7 @@ void run_first_child(Launch* launch) {
   const pid_t child =
       kClone(start_second_child, stack + kStackSize, CLONE_VM | CLONE_VFORK, launch);
   // It has left already; this only clears its entry in the process table.
-  while (child > 0 && waitpid(child, nullptr, __WCLONE) < 0 && errno == EINTR) {
+  while (child > 0 && waitpid(child, nullptr, static_cast<int>(__WCLONE)) < 0 && errno == EINTR) {
   }
 }
 
