@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <memory>
 
@@ -58,8 +59,8 @@ void run_uci(std::string_view input) {
   }
   const auto changed = easyuci::parse(easyuci::print(*package));
   require(changed.has_value(), "a changed package cannot be read");
-  const auto* section = changed->find("added");
-  require(section != nullptr, "a section is lost");
+  const auto section = std::ranges::find(changed->sections(), "added", &easyuci::Section::name);
+  require(section != changed->sections().end(), "a section is lost");
   const auto option = std::ranges::find(section->options, "option", &easyuci::Option::name);
   const bool is_there = option != section->options.end();
   require(is_there == !value.empty(), "an option is lost, or an empty one stored");
@@ -225,8 +226,9 @@ std::string unquoted(std::string_view text, bool in_double_quotes) {
       require(++i < text.size(), "a backslash at the end");
       result += text[i];
     } else {
-      const bool is_special = std::string_view("$`\"").find(text[i]) != std::string_view::npos ||
-                              (!in_double_quotes && std::strchr(" \t\n;|&<>()*?#~!", text[i]));
+      const bool is_special =
+          std::string_view("$`\"").find(text[i]) != std::string_view::npos ||
+          (!in_double_quotes && std::strchr(" \t\n;|&<>()*?#~!", text[i]) != nullptr);
       require(quoted || !is_special, "a character that the shell would act on");
       result += text[i];
     }

@@ -58,7 +58,7 @@ std::string word(std::string_view text) {
   for (const char c : text) {
     if (c == '\'') {
       quoted += R"('\'')";
-    } else {
+    } else if (c != '\0') {
       quoted += c;
     }
   }
@@ -69,7 +69,7 @@ std::string inside_double_quotes(std::string_view text) {
   std::string escaped;
   for (const char c : text) {
     if (std::string_view("\\\"$`").find(c) != std::string_view::npos) escaped += '\\';
-    escaped += c;
+    if (c != '\0') escaped += c;
   }
   return escaped;
 }
