@@ -185,21 +185,28 @@ flow('speaks the other language', {}, async ({ page, router }) => {
   await heading(page, 'Overview').waitFor();
 });
 
-flow('asks for the password again before it restarts', {}, async ({ page, router }) => {
-  const card = await open(page, router, 'system/device', 'reboot');
-  const restarts = () => Number(router.shell('grep -c "^reboot" /var/log/firmware.log || true'));
-  await press(card, 'Restart the router');
-  await page.getByRole('dialog').getByRole('button').last().click();
-  const dialog = page.locator('#password-dialog');
-  await fillIn(dialog, { Password: 'wrong' });
-  await press(dialog, 'Continue');
-  await see(dialog, 'This password is not right.');
-  assert.equal(restarts(), 0);
-  await fillIn(dialog, { Password: 'admin' });
-  await press(dialog, 'Continue');
-  await page.locator('#progress-dialog').waitFor();
-  await eventually(() => restarts() === 1);
-});
+for (const [id, button, command, outcome] of [
+  ['reboot', 'Restart the router', 'reboot', 'The router is back.'],
+  ['restore', 'Reset the router', 'firstboot -y', 'The router is as new.'],
+]) {
+  flow(`asks for the password again before its ${id}`, {}, async ({ page, router }) => {
+    const card = await open(page, router, 'system/device', id);
+    const times = () => Number(router.shell(`grep -c "^${command}" /var/log/firmware.log || true`));
+    await press(card, button);
+    await page.getByRole('dialog').getByRole('button').last().click();
+    const dialog = page.locator('#password-dialog');
+    await fillIn(dialog, { Password: 'wrong' });
+    await press(dialog, 'Continue');
+    await see(dialog, 'This password is not right.');
+    assert.equal(times(), 0);
+    await page.clock.install();
+    await fillIn(dialog, { Password: 'admin' });
+    await press(dialog, 'Continue');
+    await page.locator('#progress-dialog').waitFor();
+    await eventually(() => times() === 1);
+    await hurryUntil(page, page.getByText(outcome));
+  });
+}
 
 flow('sends any command, and shows what it did', {}, async ({ page, router }) => {
   const card = await open(page, router, 'console', 'console');

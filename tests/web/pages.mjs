@@ -10,6 +10,9 @@ const kRoutes = [
   'overview', 'internet/connection', 'internet/lan', 'internet/mode', 'internet/diagnosis', 'internet/outside', 'internet/tunnels', 'internet/more',
   'wifi/networks', 'wifi/guests', 'wifi/radio', 'wifi/schedule', 'devices', 'mobile', 'usb', 'system/device', 'system/access', 'console',
 ];
+const kDialogs = [
+  ['devices', 'Change: phone'], ['internet/outside', 'Forward a port'], ['devices', 'Add a rule'], ['system/device', 'Restart the router'],
+];
 const kScreens = [['desk', { width: 1280, height: 900 }], ['phone', { width: 390, height: 844 }]];
 
 /** Serious accessibility faults, each with where it is. */
@@ -30,8 +33,9 @@ async function look(page, name, faults, show) {
     for (const colorScheme of ['light', 'dark']) {
       await page.emulateMedia({ colorScheme });
       const where = `${name.replace('/', '-')}-${screen}-${colorScheme}`;
-      await page.screenshot({ path: join(pictures, `${where}.png`), fullPage: true });
+      await page.screenshot({ path: join(pictures, `${where}.png`), fullPage: !name.startsWith('dialog') });
       faults.push(...(await faultsOf(page)).map((fault) => `${where}: ${fault}`));
+      if (await page.getAttribute('#theme', 'aria-pressed') !== String(colorScheme === 'dark')) faults.push(`${where}: the switch of appearances`);
     }
     if (await page.evaluate(() => document.documentElement.scrollWidth > window.innerWidth)) faults.push(`${name}: wider than a ${screen}`);
   }
@@ -58,10 +62,15 @@ flow('looks well everywhere', { fresh: true, board: ['--modem', 'sa', '--usb', '
   });
   await press(page, 'Set up later');
   await heading(page, 'Overview').waitFor();
-  for (const route of kRoutes) {
-    await look(page, route, faults, async () => {
-      await page.goto(`${router.url}#/none`);
-      await page.goto(`${router.url}#/${route}`);
+  const show = async (route) => {
+    await page.goto(`${router.url}#/none`);
+    await page.goto(`${router.url}#/${route}`);
+  };
+  for (const route of kRoutes) await look(page, route, faults, () => show(route));
+  for (const [route, button] of kDialogs) {
+    await look(page, `dialog-${button.toLowerCase().replace(/\W+/g, '-')}`, faults, async () => {
+      await show(route);
+      await press(page, button);
     });
   }
   assert.deepEqual(faults, []);

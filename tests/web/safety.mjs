@@ -38,6 +38,25 @@ flow('shows names that are markup as they are', {}, async ({ page, router }) => 
   assert.equal(await page.evaluate(() => window.hit), undefined);
 });
 
+const kFramed = (url) => `<!doctype html><title>theirs</title><iframe src="${url}"></iframe>`;
+
+// Within a page of another port it would have its session.
+flow('shows nothing in the frame of another page', {}, async ({ page, router }) => {
+  await open(page, router);
+  const theirs = await serve(kFramed(router.url));
+  await page.goto(theirs);
+  const frame = page.frame({ url: router.url });
+  await frame.waitForLoadState('networkidle');
+  assert.equal(await frame.locator('#app').innerHTML(), '');
+});
+
+/** A page of another port; its address. */
+async function serve(text) {
+  const server = createServer((_, response) => response.setHeader('Content-Type', 'text/html').end(text));
+  await once(server.listen(0, '127.0.0.1').unref(), 'listening');
+  return `http://127.0.0.1:${server.address().port}/`;
+}
+
 /** Posts a command in all ways that a page of elsewhere has; what each script got to see. */
 const attack = ([url, text]) => new Promise((resolve) => {
   const post = (options) => fetch(url, { method: 'POST', credentials: 'include', body: text, ...options }).then(({ type }) => type, () => 'refused');
@@ -59,9 +78,7 @@ const expected = /CORS policy|Failed to load resource: (net::ERR_FAILED|the serv
 // A page of another port is of the same site: the browser lets the cookie go along.
 flow('lets no page of another port command', { expected }, async ({ page, router }) => {
   await open(page, router);
-  const server = createServer((_, response) => response.setHeader('Content-Type', 'text/html').end('<!doctype html><body>'));
-  await once(server.listen(0, '127.0.0.1').unref(), 'listening');
-  await page.goto(`http://127.0.0.1:${server.address().port}/`);
+  await page.goto(await serve('<!doctype html><body>'));
   const sent = [];
   page.on('request', (request) => request.url().includes('zelto-cgi') && sent.push(request));
   const seen = await page.evaluate(attack, [`${router.url}cgi-bin/zelto-cgi`, '{"type":"sethwnat","status":"0"}']);

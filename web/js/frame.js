@@ -11,9 +11,11 @@ const kOnBar = 4;
 
 const root = document.getElementById('app');
 
+const preference = window.matchMedia('(prefers-color-scheme: dark)');
+
 const dark = () => {
   const chosen = document.documentElement.dataset.theme;
-  return chosen ? chosen === 'dark' : window.matchMedia('(prefers-color-scheme: dark)').matches;
+  return chosen ? chosen === 'dark' : preference.matches;
 };
 
 /** Uses an appearance; without a name the device's own stays. */
@@ -21,27 +23,33 @@ export function useTheme(name) {
   if (name) document.documentElement.dataset.theme = name;
 }
 
-function themeButton() {
-  const button = h(
-    'button',
-    {
+function showTheme(button) {
+  button.setAttribute('aria-pressed', String(dark()));
+  fill(button, icon(dark() ? 'sun' : 'moon'));
+  return button;
+}
+
+const themeButton = () =>
+  showTheme(
+    h('button', {
       type: 'button',
       class: 'icon-button',
       id: 'theme',
       'aria-label': t('theme'),
-      'aria-pressed': String(dark()),
-      onclick: () => {
+      onclick: ({ currentTarget }) => {
         const name = dark() ? 'light' : 'dark';
         localStorage.setItem(kTheme, name);
         useTheme(name);
-        button.setAttribute('aria-pressed', String(dark()));
-        fill(button, icon(dark() ? 'sun' : 'moon'));
+        showTheme(currentTarget);
       },
-    },
-    icon(dark() ? 'sun' : 'moon'),
+    }),
   );
-  return button;
-}
+
+// A device may turn dark at dusk.
+preference.addEventListener('change', () => {
+  const button = document.getElementById('theme');
+  if (button) showTheme(button);
+});
 
 const languageButton = (relabel) =>
   h(

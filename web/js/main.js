@@ -156,7 +156,11 @@ async function start() {
   render();
 }
 
-window.addEventListener('hashchange', () => render({ focus: true }));
+window.addEventListener('hashchange', () => {
+  // A question belongs to its page; work that goes on does not end with it.
+  for (const dialog of document.querySelectorAll('dialog:not(.progress)')) dialog.close();
+  render({ focus: true });
+});
 // Shown within a page of another port of this router's address it would have a session there, and
 // be clicked on unseen.
 if (window.top === window.self) start();
