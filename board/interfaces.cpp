@@ -142,8 +142,8 @@ void set_up(const ControlSocket& socket, const Interface& interface) {
 }
 
 const Interface* find_interface(const std::string& name) {
-  const auto* const found = std::ranges::find(kInterfaces, name, &Interface::name);
-  return found == kInterfaces.end() ? nullptr : found;
+  const auto found = std::ranges::find(kInterfaces, name, &Interface::name);
+  return found == kInterfaces.end() ? nullptr : &*found;
 }
 
 // None has one after boot.

@@ -47,7 +47,7 @@ std::vector<std::string> operation_modes() {
 }
 
 void begin_in_mode(const std::string& name) {
-  const auto* const mode = std::ranges::find(kModes, name, &Mode::name);
+  const auto mode = std::ranges::find(kModes, name, &Mode::name);
   if (mode == kModes.end()) throw std::runtime_error("no mode " + name);
   if (*mode->wizard == '\0') return;
   const std::string request =

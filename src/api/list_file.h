@@ -17,11 +17,11 @@
 namespace zelto {
 
 struct ListFile {
-  const char* path = "";
-  const char* work_path = "";    // where a rewrite is prepared
-  const char* replacement = "";  // the shell command that moves it into place
-  std::size_t shortest = 0;      // a line of fewer characters, its end included, is no record
-  bool rewrites_whole = false;   // a rewrite loses no character of an unended last line
+  const char* path;
+  const char* work_path;        // where a rewrite is prepared
+  const char* replacement;      // the shell command that moves it into place
+  std::size_t shortest;         // a line of fewer characters, its end included, is no record
+  bool rewrites_whole = false;  // a rewrite loses no character of an unended last line
 };
 
 namespace list_file {
