@@ -105,6 +105,7 @@ std::optional<Route> parse_route(const std::string& line) {
   int metric = 0;
   Route route{};
   const int values =
+      // NOLINTNEXTLINE(cert-err34-c): numbers of the kernel's own making
       std::sscanf(line.c_str() + first_column, "%lx%lx%X%d%d%d%lx", &destination, &route.gateway,
                   &route.flags, &reference_count, &use, &metric, &mask);
   if (values != 7) return std::nullopt;

@@ -96,7 +96,7 @@ void store_fields(const Request& request) {
   }
 }
 
-void change_settings(const Request& request, Reply& reply, char* out) {
+void change_settings(const Request& request, Reply& reply, const char* out) {
   static constexpr const char* kFunction = "bs_SetWanCfg";
   const auto mode = request.text("wanmode");
   if (!mode) return reply.result(kFailed);
