@@ -170,7 +170,7 @@ std::int64_t program(const std::vector<std::string>& arguments) {
 int count_all() {
   zelto_bench::reset();
   if (!clock_counts()) {
-    std::fputs("The clock of this machine does not count instructions.\n", stderr);
+    std::printf("The clock of this machine does not count instructions.\n");
     return 1;
   }
   std::vector<std::int64_t> firsts;
@@ -185,7 +185,6 @@ int count_all() {
     const auto& command = commands()[i];
     std::printf("request,\"%s\",%lld,%lld\n", command.name, static_cast<long long>(firsts[i]),
                 static_cast<long long>(further(command)));
-    std::fflush(stdout);
   }
   return 0;
 }

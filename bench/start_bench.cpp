@@ -21,7 +21,7 @@ namespace {
 constexpr useconds_t kRest = 3000;  // microseconds until the processors are idle again
 constexpr int kTurns = 40;
 constexpr int kStartsInTurn = 10;
-constexpr std::size_t kMegabyte = 1024 * 1024;
+constexpr std::size_t kMegabyte = std::size_t{1024} * 1024;
 
 // A way to start something, from a caller with so much of its memory in use.
 struct Starter {
@@ -35,6 +35,7 @@ void start_detached() {
 }
 
 void start_by_vfork() {
+  // What it is compared with. NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.vfork)
   if (vfork() == 0) {
     execl("/bin/sh", "sh", "-c", ":", nullptr);
     _exit(127);
@@ -76,11 +77,11 @@ void report_start(benchmark::State& state, StartFigure figure) {
   for (auto _ : state) state.SetIterationTime(quartiles[figure]);
 }
 
-void start_8MB(benchmark::State& state) {
+void start_at_8_mb(benchmark::State& state) {
   report_start(state, kAt8Megabytes);
 }
 
-void start_64MB(benchmark::State& state) {
+void start_at_64_mb(benchmark::State& state) {
   report_start(state, kAt64Megabytes);
 }
 
@@ -136,8 +137,8 @@ void empty_program(benchmark::State& state) {
   report_program(state, kEmptyProgram);
 }
 
-BENCHMARK(start_8MB)->UseManualTime()->Iterations(1)->Repetitions(1);
-BENCHMARK(start_64MB)->UseManualTime()->Iterations(1)->Repetitions(1);
+BENCHMARK(start_at_8_mb)->UseManualTime()->Iterations(1)->Repetitions(1);
+BENCHMARK(start_at_64_mb)->UseManualTime()->Iterations(1)->Repetitions(1);
 BENCHMARK(vfork_exec)->UseManualTime()->Iterations(1)->Repetitions(1);
 BENCHMARK(zelto_getheartbeat)->UseManualTime()->Iterations(1)->Repetitions(1);
 BENCHMARK(empty_program)->UseManualTime()->Iterations(1)->Repetitions(1);
