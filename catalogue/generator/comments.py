@@ -177,7 +177,8 @@ def _add_fact(handler, word, text):
         case "unparsed":
             handler.unparsed = text
         case "effects":
-            handler.effects.append(text)
+            # "/*" would look like a comment within the comment.
+            handler.effects.append(text.replace("/\\*", "/*"))
         case "example":
             request, arrow, reply = text.partition("=>")
             if not arrow:

@@ -15,8 +15,9 @@
  * value that its stated size cannot hold is refused, unless the text says that it is cut.
  *
  * Threads. Every function may be called from several threads at once, but for the exported tables:
- * who writes to one must see to it that nobody is calling. The library starts no threads and keeps
- * no state in memory between calls. Descriptors it opens are closed on exec.
+ * who writes to one must see to it that nobody is calling. The library starts no threads. Nothing
+ * of a request outlives its call but the text of a detached command, until its shell has started.
+ * Descriptors it opens are closed on exec.
  *
  * Errors. A handler tells its failures in the reply's number "result", a failure of the machine is
  * logged through syslog at priority 3 (LOG_ERR), and no exception leaves the library: when memory
