@@ -123,6 +123,7 @@ int ask_or_open_shell(const Arguments& arguments) {
   if (router && arguments.sets_router) {
     throw std::runtime_error("a router is up already: end it to boot one with other settings");
   }
+  if (!router) std::cerr << "zelto-board: no router is up; booting one for this\n";
   const int status = router
                          ? launcher::run_in_router(*router, inside)
                          : board::run(router_options(arguments), after_settings(arguments, inside));

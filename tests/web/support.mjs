@@ -18,7 +18,7 @@ const { chromium } = installed('playwright-core');
 const kFlags = ['--no-sandbox', '--disable-dev-shm-usage', '--disable-gpu', '--no-proxy-server', '--disable-background-networking'];
 /** Answers that a page has to cope with; Chromium notes each on the console. */
 const kRefusals = /^Failed to load resource: the server responded with a status of (401|403|429)/;
-const kLongest = 120_000;
+const kLongest = 240_000;
 /** Looking around for networks takes the router twenty seconds. */
 const kLongestStep = 40_000;
 
@@ -39,7 +39,11 @@ async function boot(options) {
     rmSync(place, { recursive: true, force: true });
   };
   running.add(end);
-  const run = (argument, input) => spawnSync(program, ['--programs-dir', programs, argument], { input, encoding: 'utf8' });
+  const run = (argument, input) => {
+    const done = spawnSync(program, ['--programs-dir', programs, argument], { input, encoding: 'utf8' });
+    assert.doesNotMatch(done.stderr, /no router is up/);
+    return done;
+  };
   const router = {
     /** The reply to a request that goes past the gateway. */
     ask: (request) => JSON.parse(run(JSON.stringify(request), '').stdout.split('\n')[0]),
