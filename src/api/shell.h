@@ -1,5 +1,5 @@
-// Shell commands, and the quoting of what is put into them. Quoting leaves out NUL bytes, at which a
-// command would end within its quotes.
+// Shell commands, and the quoting of what is put into them. Quoting leaves out NUL bytes: a command
+// would end there, within its quotes.
 #pragma once
 
 #include <cstddef>
