@@ -204,3 +204,28 @@ export function nameValues({ configurations: [two, five] }) {
     wlan5psw: five.wlanpsw,
   };
 }
+
+/** A new administrator's password, other than the `old` one if that is known. */
+export const newPassword = (old) => [
+  {
+    name: 'routepwd',
+    kind: 'password',
+    label: 'wizard.password',
+    required: true,
+    autocomplete: 'new-password',
+    hint: 'wizard.password.hint',
+    check: [
+      check.bytesAtMost(63),
+      (text) => (text === old ? { key: 'check.same' } : null),
+      (text) => ([...text].length < 8 ? { key: 'check.short', values: { n: 8 } } : null),
+    ],
+  },
+  {
+    name: 'again',
+    kind: 'password',
+    label: 'wizard.again',
+    required: true,
+    autocomplete: 'new-password',
+    check: (text, values) => (text === values.routepwd ? null : { key: 'check.again' }),
+  },
+];

@@ -6,6 +6,7 @@ import { fill, h, pause } from '../dom.js';
 import { days, t } from '../i18n.js';
 import { followRestart, progress, routerLink, waitForReturn } from '../progress.js';
 import { givenUp } from '../results.js';
+import { newPassword } from './fields.js';
 
 /* ---- Firmware ------------------------------------------------------------------------------- */
 
@@ -256,28 +257,7 @@ const password = () =>
     always: true,
     submit: 'account.change',
     load: async () => ({ routepwd: '', again: '' }),
-    fields: [
-      {
-        name: 'routepwd',
-        kind: 'password',
-        label: 'wizard.password',
-        required: true,
-        autocomplete: 'new-password',
-        hint: 'wizard.password.hint',
-        check: [
-          check.bytesAtMost(63),
-          (text) => ([...text].length < 8 ? { key: 'check.short', values: { n: 8 } } : null),
-        ],
-      },
-      {
-        name: 'again',
-        kind: 'password',
-        label: 'wizard.again',
-        required: true,
-        autocomplete: 'new-password',
-        check: (text, values) => (text === values.routepwd ? null : { key: 'check.again' }),
-      },
-    ],
+    fields: newPassword(),
     save: ({ routepwd }) => call('setmanpwd', { routepwd }),
   });
 

@@ -5,35 +5,10 @@ import { attempt, facts } from '../cards.js';
 import { say } from '../dialog.js';
 import { fill, h } from '../dom.js';
 import { makeFields } from '../form.js';
-import * as check from '../check.js';
 import { t } from '../i18n.js';
 import { givenUp, sentence } from '../results.js';
-import { nameFields } from './fields.js';
+import { nameFields, newPassword } from './fields.js';
 import { followMode, joins, loadMode, modeFields, modeName, modeRequest } from './mode.js';
-
-const passwordFields = (old) => [
-  {
-    name: 'routepwd',
-    kind: 'password',
-    label: 'wizard.password',
-    required: true,
-    autocomplete: 'new-password',
-    hint: 'wizard.password.hint',
-    check: [
-      check.bytesAtMost(63),
-      (text) => (text === old ? { key: 'check.same' } : null),
-      (text) => ([...text].length < 8 ? { key: 'check.short', values: { n: 8 } } : null),
-    ],
-  },
-  {
-    name: 'again',
-    kind: 'password',
-    label: 'wizard.again',
-    required: true,
-    autocomplete: 'new-password',
-    check: (text, values) => (text === values.routepwd ? null : { key: 'check.again' }),
-  },
-];
 
 const kSteps = [
   'wizard.step.password',
@@ -145,7 +120,7 @@ export function wizardPage({ password, signal, done }) {
   };
   const steps = [
     () =>
-      show(passwordFields(password), {
+      show(newPassword(password), {
         next: async () => {
           values = { ...values, password: 'new' };
           go(1);
