@@ -121,7 +121,7 @@ void rest() {
 }
 
 void prepare(const Command& command) {
-  zelto_bench::reset();
+  board::reset();
   zelto_bench::fill_lists(command.entries);
   rest();
 }
@@ -168,7 +168,7 @@ std::int64_t program(const std::vector<std::string>& arguments) {
 }
 
 int count_all() {
-  zelto_bench::reset();
+  board::reset();
   if (!clock_counts()) {
     std::printf("The clock of this machine does not count instructions.\n");
     return 1;
