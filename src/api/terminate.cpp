@@ -6,11 +6,8 @@
 namespace __gnu_cxx {
 
 // Used: optimisation of the whole sees no caller, for the C++ library is none of its objects.
-__attribute__((used)) void __verbose_terminate_handler();
-
-// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the C++ library's own
-// name for it
-void __verbose_terminate_handler() {
+// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): its own name
+__attribute__((used)) void __verbose_terminate_handler() {
   std::abort();
 }
 
