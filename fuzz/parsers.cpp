@@ -1,5 +1,6 @@
 // The readers of foreign text one by one: of the host's stores, drivers, daemons, modem, browsers.
 
+#include <cjson/cJSON.h>
 #include <stdlib.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -12,7 +13,9 @@
 
 #include <platform/easy_uci.h>
 #include <zelto/network.h>
+#include <zelto/services.h>
 #include <zelto/utilities.h>
+#include <zelto/zeltoapi.h>
 
 #include "access/terminal_list.h"
 #include "api/list_file.h"
@@ -118,6 +121,35 @@ void run_terminals(std::string_view input) {
       require(word.find(' ') == std::string_view::npos, "a word with a blank");
     }
   }
+}
+
+// ---- leases: the file of mappings that the UPnP daemon writes
+
+void run_leases(std::string_view input) {
+  board::write_file("/tmp/upnp.leases", input);
+  const std::unique_ptr<char[]> out(new char[ZELTO_REPLY_SIZE]);
+  bs_GetUpnpInfo(R"({"type":"get_upnp_info"})", out.get());
+  const std::string_view reply(out.get(), strnlen(out.get(), ZELTO_REPLY_SIZE));
+  require(reply.size() < ZELTO_REPLY_SIZE, "a reply without an end");
+  const std::unique_ptr<cJSON, decltype(&cJSON_Delete)> json(cJSON_Parse(out.get()), cJSON_Delete);
+  const cJSON* list = cJSON_GetObjectItemCaseSensitive(json.get(), "list");
+  require(cJSON_IsArray(list) != 0, "no list");
+  for (const cJSON* lease = list->child; lease != nullptr; lease = lease->next) {
+    for (const char* member : {"ip", "internalPort", "externalPort", "protocol"}) {
+      const char* text = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(lease, member));
+      require(text != nullptr && std::strchr(text, ':') == nullptr, "a field beyond its colons");
+    }
+  }
+  // Unless there is more than fits, or a line that is no text of its own.
+  const auto lines = lines_of(input);
+  if (reply.size() > ZELTO_REPLY_SIZE / 2 || input.find('\r') != std::string_view::npos ||
+      input.find('\0') != std::string_view::npos ||
+      std::ranges::any_of(lines, [](auto line) { return line.size() > 200; })) {
+    return;
+  }
+  const auto leases =
+      std::ranges::count_if(lines, [](std::string_view line) { return !line.empty(); });
+  require(cJSON_GetArraySize(list) == leases, "a lease is lost or made up");
 }
 
 // ---- modem: command, prefix; then what the modem sends
@@ -262,8 +294,9 @@ void run_text(std::string_view input) {
 constexpr Target kParsers[] = {
     {"uci", run_uci},       {"profile", run_profile},
     {"survey", run_survey}, {"terminals", run_terminals},
-    {"modem", run_modem},   {"list", run_list},
-    {"cgi", run_cgi},       {"text", run_text},
+    {"leases", run_leases}, {"modem", run_modem},
+    {"list", run_list},     {"cgi", run_cgi},
+    {"text", run_text},
 };
 
 }  // namespace
